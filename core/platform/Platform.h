@@ -1,0 +1,106 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What differs between the systems, and nothing else. One implementation a folder (linux/, macos/), chosen
+/// when the program is linked. Every function is safe from any thread, and none throws.
+namespace korvanti::Platform {
+
+/// The home folder of the user: absolute, without a trailing slash. Never empty ("/" when nothing is known).
+[[nodiscard]] std::string homeFolder();
+
+/// The mount points of the whole system, decoded, in the system's order. Does not wait for slow file systems.
+/// Empty when the table can't be read.
+[[nodiscard]] std::vector<std::string> mountPoints();
+
+/// Capacity of the volume that holds a path, in bytes. All zero when the volume can't be asked.
+struct VolumeCapacity {
+    std::int64_t total = 0;
+    std::int64_t available = 0; ///< free for an ordinary user, by the plain measure
+    std::optional<std::int64_t>
+        availableImportant; ///< counts purgeable space as free, where the system tells
+    bool operator==(const VolumeCapacity&) const = default;
+};
+[[nodiscard]] VolumeCapacity volumeCapacity(const std::string& path);
+
+/// Bytes of swap in use, 0 when not told.
+[[nodiscard]] std::int64_t swapUsed();
+
+/// Bytes of memory installed.
+[[nodiscard]] std::int64_t physicalMemory();
+
+enum class EntryKind : std::uint8_t { file, folder, link, other };
+
+/// One entry of a folder, links not followed. The sizes are those of anything but a folder, and 0 for a
+/// folder.
+struct FolderEntry {
+    std::string_view name; ///< valid until the next call of `next`
+    EntryKind kind = EntryKind::other;
+    bool mountPoint = false;          ///< the listing itself tells that a volume is mounted on this folder
+    std::int64_t allocatedBytes = 0;  ///< blocks on disk
+    std::int64_t logicalBytes = 0;    ///< length
+    std::int64_t modifiedSeconds = 0; ///< whole seconds since 1970
+};
+
+/// How much a `FolderReader` finds out about each entry.
+enum class EntryFacts { names, sizes };
+
+/// Memory for one folder's listing at a time. Keep one a thread and use it again: it is too large for the
+/// stack.
+struct FolderBuffer {
+    static constexpr std::size_t capacity = 128 * 1024;
+    alignas(8) char bytes[capacity];
+};
+
+/// Reads the entries of one open folder in the system's order, without "." and "..". With `EntryFacts::sizes`
+/// an entry that can't be asked (gone since) is left out.
+class FolderReader {
+public:
+    /// Descriptor and buffer stay the caller's and must outlive the reader.
+    FolderReader(int folder, FolderBuffer& buffer, EntryFacts facts);
+
+    /// The next entry; null at the end of the folder, or when it can't be read any further.
+    const FolderEntry* next();
+
+    /// Reading broke off before the end; what came so far stands.
+    [[nodiscard]] bool failed() const { return failed_; }
+
+private:
+    bool fill();
+
+    int folder_;
+    FolderBuffer& buffer_;
+    EntryFacts facts_;
+    std::size_t position_ = 0; ///< of the next record in the buffer
+    std::size_t filled_ = 0;   ///< bytes of records in the buffer (records, where the system counts those)
+    bool failed_ = false;
+    std::shared_ptr<void> listing_; ///< a plain one, where the folder can't be read in bulk
+    FolderEntry entry_;
+};
+
+/// What tells one open folder from another.
+struct FolderIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    bool mountRoot = false; ///< the root of a mounted volume, where the system tells
+};
+/// Absent when the descriptor can't be asked.
+[[nodiscard]] std::optional<FolderIdentity> folderIdentity(int folder);
+
+enum class Links { refuse, follow };
+
+/// Opens a folder to be listed: follows a link in the last component only if told so, never waits, never
+/// fetches what lies in a cloud only. -1 with errno on failure. The descriptor is the caller's to close.
+[[nodiscard]] int openFolder(const std::string& path, Links links = Links::refuse);
+/// The same for the child of an open folder, which never is a link.
+[[nodiscard]] int openFolderAt(int parent, const char* name);
+
+/// Lifts the limit of open files of this process as far as the system lets an ordinary program go.
+void raiseOpenFileLimit();
+
+} // namespace korvanti::Platform

@@ -1,0 +1,123 @@
+#include "platform/Platform.h"
+
+#include "platform/macos/WithoutFetching.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/mount.h>
+#include <sys/param.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/sysctl.h>
+#include <sys/syslimits.h>
+#include <unistd.h>
+
+namespace korvanti::Platform {
+namespace {
+
+/// Absolute and without a trailing slash, or empty.
+std::string asHome(const char* path) {
+    if (!path || *path != '/')
+        return {};
+    std::string home = path;
+    while (home.size() > 1 && home.ends_with('/'))
+        home.pop_back();
+    return home;
+}
+
+std::string homeOfAccount() {
+    std::vector<char> texts(4096);
+    passwd account{};
+    passwd* found = nullptr;
+    int error = 0;
+    while ((error = ::getpwuid_r(::getuid(), &account, texts.data(), texts.size(), &found)) == ERANGE)
+        texts.resize(texts.size() * 2);
+    return error == 0 && found ? asHome(found->pw_dir) : std::string();
+}
+
+template <class Value> Value systemValue(const char* name) {
+    Value value{};
+    std::size_t size = sizeof value;
+    if (::sysctlbyname(name, &value, &size, nullptr, 0) != 0 || size != sizeof value)
+        return {};
+    return value;
+}
+
+constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
+
+} // namespace
+
+// The platform's own order. $HOME comes last: a program started with another one still works on its user's
+// home.
+std::string homeFolder() {
+    if (!::issetugid())
+        if (auto home = asHome(std::getenv("CFFIXED_USER_HOME")); !home.empty())
+            return home;
+    if (auto home = homeOfAccount(); !home.empty())
+        return home;
+    if (auto home = asHome(std::getenv("HOME")); !home.empty())
+        return home;
+    return "/";
+}
+
+std::vector<std::string> mountPoints() {
+    const int expected = ::getfsstat(nullptr, 0, MNT_NOWAIT);
+    if (expected < 1)
+        return {};
+    // Mounts come and go between the two calls.
+    std::vector<struct statfs> mounts(static_cast<std::size_t>(expected) + 8);
+    const int count =
+        ::getfsstat(mounts.data(), static_cast<int>(mounts.size() * sizeof mounts.front()), MNT_NOWAIT);
+    if (count < 1)
+        return {};
+    mounts.resize(std::min(mounts.size(), static_cast<std::size_t>(count)));
+
+    std::vector<std::string> paths;
+    paths.reserve(mounts.size());
+    for (const auto& mount : mounts)
+        paths.emplace_back(mount.f_mntonname);
+    return paths;
+}
+
+std::int64_t swapUsed() {
+    return static_cast<std::int64_t>(systemValue<xsw_usage>("vm.swapusage").xsu_used);
+}
+
+std::int64_t physicalMemory() {
+    return static_cast<std::int64_t>(systemValue<std::uint64_t>("hw.memsize"));
+}
+
+// The listing tells where a volume is mounted, so `mountRoot` is not asked for here.
+std::optional<FolderIdentity> folderIdentity(int folder) {
+    struct stat info {};
+    if (::fstat(folder, &info) != 0)
+        return std::nullopt;
+    return FolderIdentity{.device = static_cast<std::uint32_t>(info.st_dev), .inode = info.st_ino};
+}
+
+int openFolder(const std::string& path, Links links) {
+    const WithoutFetching guard;
+    return ::open(path.c_str(), links == Links::follow ? folderFlags : folderFlags | O_NOFOLLOW);
+}
+
+int openFolderAt(int parent, const char* name) {
+    const WithoutFetching guard;
+    return ::openat(parent, name, folderFlags | O_NOFOLLOW);
+}
+
+void raiseOpenFileLimit() {
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return;
+    // Above OPEN_MAX the system refuses, even where the hard limit is "unlimited".
+    const rlim_t wanted = std::min<rlim_t>(limit.rlim_max, OPEN_MAX);
+    if (limit.rlim_cur >= wanted)
+        return;
+    limit.rlim_cur = wanted;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+} // namespace korvanti::Platform
