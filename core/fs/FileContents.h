@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+/// Whole files in and out.
+namespace korvanti::FileContents {
+
+/// Largest file that `read` takes unless told otherwise: no file that the program reads comes near it.
+inline constexpr std::int64_t defaultLimit = 64 * 1024 * 1024;
+
+/// The bytes of a regular file, links followed. Absent when it can't be read, is no regular file or is larger
+/// than `limit` bytes. Never waits on a pipe or a device.
+[[nodiscard]] std::optional<std::string> read(const std::string& path, std::int64_t limit = defaultLimit);
+
+/// Replaces a file as a whole: written to a temporary file beside it, flushed, moved over it. On failure the
+/// old file stands and nothing is left behind.
+[[nodiscard]] std::expected<void, std::error_code> writeAtomically(const std::string& path,
+                                                                   std::string_view bytes);
+
+/// Creates a folder with its missing parents.
+[[nodiscard]] std::expected<void, std::error_code> createFolders(const std::string& path);
+
+} // namespace korvanti::FileContents

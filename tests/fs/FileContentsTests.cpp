@@ -1,0 +1,90 @@
+#include "fs/FileContents.h"
+#include "fs/PathTools.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace korvanti {
+namespace {
+
+using korvanti::testing::TempFolder;
+using korvanti::testing::textOf;
+
+class FileContentsTests : public ::testing::Test {
+protected:
+    TempFolder temp;
+};
+
+TEST_F(FileContentsTests, readsAWholeFileWithItsZeros) {
+    const std::string bytes("a\0b\n\xff", 5);
+    EXPECT_EQ(FileContents::read(temp.file("file", {.text = bytes})), bytes);
+    EXPECT_EQ(FileContents::read(temp.file("empty")), "");
+}
+
+TEST_F(FileContentsTests, readsThroughALink) {
+    temp.file("file", {.text = "x"});
+    EXPECT_EQ(FileContents::read(temp.symlink("link", "file")), "x");
+}
+
+TEST_F(FileContentsTests, aFolderAPipeADeviceAndNothingHaveNoContents) {
+    ASSERT_EQ(::mkfifo(temp.path("pipe").c_str(), 0600), 0);
+    for (const auto& path : {temp.path(), temp.path("pipe"), std::string("/dev/zero"), temp.path("missing")})
+        EXPECT_EQ(FileContents::read(path), std::nullopt) << path;
+}
+
+TEST_F(FileContentsTests, aFileOverTheLimitIsNotRead) {
+    const auto file = temp.file("file", {.text = "12345"});
+    EXPECT_EQ(FileContents::read(file, 5), "12345");
+    EXPECT_EQ(FileContents::read(file, 4), std::nullopt);
+    EXPECT_EQ(FileContents::read(temp.file("huge", {.sparseBytes = FileContents::defaultLimit + 1})),
+              std::nullopt);
+}
+
+TEST_F(FileContentsTests, writingReplacesTheFileAndLeavesNothingBeside) {
+    const auto file = temp.file("folder/file", {.text = "old and longer"});
+    EXPECT_TRUE(FileContents::writeAtomically(file, "new"));
+    EXPECT_EQ(textOf(file), "new");
+    EXPECT_EQ(PathTools::children(temp.path("folder")), std::vector{file});
+}
+
+TEST_F(FileContentsTests, writingKeepsTheModeOfTheOldFile) {
+    const auto file = temp.file("file");
+    temp.setMode("file", 0600);
+    EXPECT_TRUE(FileContents::writeAtomically(file, "x"));
+    struct stat status {};
+    ASSERT_EQ(::stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600U);
+}
+
+TEST_F(FileContentsTests, aNewFileIsForItsUserAlone) {
+    const auto file = temp.path("file");
+    EXPECT_TRUE(FileContents::writeAtomically(file, "x"));
+    struct stat status {};
+    ASSERT_EQ(::stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600U);
+}
+
+TEST_F(FileContentsTests, aFailedWriteLeavesTheOldStateAndNothingBeside) {
+    const auto folder = temp.folder("parent/taken/by-a-folder");
+    const auto taken = temp.path("parent/taken");
+    EXPECT_FALSE(FileContents::writeAtomically(taken, "x"));
+    EXPECT_EQ(PathTools::children(temp.path("parent")), std::vector{taken});
+    EXPECT_TRUE(PathTools::isDirectory(folder));
+    EXPECT_FALSE(FileContents::writeAtomically(temp.path("no/such/folder/file"), "x"));
+}
+
+TEST_F(FileContentsTests, createsAFolderWithItsParents) {
+    EXPECT_TRUE(FileContents::createFolders(temp.path("a/b/c")));
+    EXPECT_TRUE(FileContents::createFolders(temp.path("a/b/c")));
+    EXPECT_TRUE(PathTools::isDirectory(temp.path("a/b/c")));
+}
+
+TEST_F(FileContentsTests, aFileInTheWayIsAnError) {
+    temp.file("a");
+    EXPECT_EQ(FileContents::createFolders(temp.path("a/b")).error(), std::errc::not_a_directory);
+    EXPECT_FALSE(FileContents::createFolders(temp.path("a")));
+}
+
+} // namespace
+} // namespace korvanti

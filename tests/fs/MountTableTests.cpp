@@ -1,0 +1,34 @@
+#include "fs/MountTable.h"
+#include "support/TempFolder.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace korvanti {
+namespace {
+
+TEST(MountTableTests, theRootIsMounted) {
+    const auto all = MountTable::all();
+    EXPECT_NE(std::ranges::find(all, "/"), all.end());
+}
+
+TEST(MountTableTests, allMountsAreInsideTheRoot) {
+    EXPECT_EQ(MountTable::mountPoints("/"), MountTable::all());
+}
+
+TEST(MountTableTests, anOrdinaryFolderHoldsNoMount) {
+    const korvanti::testing::TempFolder temp;
+    EXPECT_TRUE(MountTable::mountPoints(temp.path()).empty());
+}
+
+#ifdef __linux__
+TEST(MountTableTests, aMountIsInsideItselfWithOrWithoutATrailingSlash) {
+    const auto inside = MountTable::mountPoints("/proc");
+    EXPECT_NE(std::ranges::find(inside, "/proc"), inside.end());
+    EXPECT_EQ(MountTable::mountPoints("/proc/"), inside);
+    EXPECT_TRUE(MountTable::mountPoints("/pro").empty());
+}
+#endif
+
+} // namespace
+} // namespace korvanti
