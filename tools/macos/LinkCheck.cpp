@@ -1,0 +1,56 @@
+// Calls every function of the port, so that linking this program for the Mac shows that each is there.
+// tools/check-macos links it and holds it against Platform.h; run on a Mac, it prints what the port answers.
+#include "platform/Platform.h"
+
+#include <cstdio>
+#include <memory>
+#include <unistd.h>
+
+using namespace korvanti;
+
+namespace {
+
+void printEntries(int folder, Platform::EntryFacts facts) {
+    const auto buffer = std::make_unique<Platform::FolderBuffer>();
+    Platform::FolderReader reader(folder, *buffer, facts);
+    while (const auto* entry = reader.next())
+        std::printf("%.*s kind %d, %lld bytes allocated, %lld long, modified %lld%s\n",
+                    static_cast<int>(entry->name.size()), entry->name.data(), static_cast<int>(entry->kind),
+                    static_cast<long long>(entry->allocatedBytes),
+                    static_cast<long long>(entry->logicalBytes),
+                    static_cast<long long>(entry->modifiedSeconds), entry->mountPoint ? ", mount point" : "");
+    if (reader.failed())
+        std::puts("(broken off)");
+}
+
+} // namespace
+
+int main() {
+    Platform::raiseOpenFileLimit();
+    const std::string home = Platform::homeFolder();
+    const auto capacity = Platform::volumeCapacity(home);
+    std::printf(
+        "home %s, %lld of %lld bytes free (%lld for important use), swap %lld, memory %lld\n", home.c_str(),
+        static_cast<long long>(capacity.available), static_cast<long long>(capacity.total),
+        static_cast<long long>(capacity.availableImportant.value_or(-1)),
+        static_cast<long long>(Platform::swapUsed()), static_cast<long long>(Platform::physicalMemory()));
+    for (const auto& mount : Platform::mountPoints())
+        std::printf("mounted at %s\n", mount.c_str());
+
+    const int folder = Platform::openFolder(home);
+    if (folder < 0) {
+        std::perror(home.c_str());
+        return 1;
+    }
+    printEntries(folder, Platform::EntryFacts::sizes);
+    if (const auto identity = Platform::folderIdentity(folder))
+        std::printf("device %llu, inode %llu\n", static_cast<unsigned long long>(identity->device),
+                    static_cast<unsigned long long>(identity->inode));
+    const int library = Platform::openFolderAt(folder, "Library");
+    if (library >= 0) {
+        printEntries(library, Platform::EntryFacts::names);
+        ::close(library);
+    }
+    ::close(folder);
+    return 0;
+}
