@@ -1,4 +1,5 @@
 #include "base/CheckedMath.h"
+#include "platform/EntryKinds.h"
 #include "platform/Platform.h"
 
 #include <cerrno>
@@ -20,14 +21,6 @@ struct Record {
     unsigned char type;
 };
 constexpr std::size_t nameOffset = offsetof(Record, type) + 1;
-
-EntryKind kindOfMode(mode_t mode) {
-    if (S_ISREG(mode))
-        return EntryKind::file;
-    if (S_ISDIR(mode))
-        return EntryKind::folder;
-    return S_ISLNK(mode) ? EntryKind::link : EntryKind::other;
-}
 
 EntryKind kindOfType(unsigned char type) {
     constexpr unsigned char folder = 4, regular = 8, link = 10;

@@ -1,4 +1,5 @@
 #include "base/CheckedMath.h"
+#include "platform/EntryKinds.h"
 #include "platform/Platform.h"
 
 #include "platform/macos/WithoutFetching.h"
@@ -30,14 +31,6 @@ EntryKind kindOfType(fsobj_type_t type) {
     default:
         return EntryKind::other;
     }
-}
-
-EntryKind kindOfMode(mode_t mode) {
-    if (S_ISREG(mode))
-        return EntryKind::file;
-    if (S_ISDIR(mode))
-        return EntryKind::folder;
-    return S_ISLNK(mode) ? EntryKind::link : EntryKind::other;
 }
 
 bool isDotEntry(std::string_view name) {
