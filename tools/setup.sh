@@ -15,13 +15,13 @@ packages_for() {
       debian="g++ cmake ninja-build libicu-dev libtbb-dev nlohmann-json3-dev libfmt-dev"
       brew="cmake ninja icu4c tbb nlohmann-json fmt" ;;
     test)
-      debian="libgtest-dev libgmock-dev util-linux locales"
+      debian="libgtest-dev libgmock-dev util-linux locales git procps"
       brew="googletest" ;;
     checks)
       debian="clang-16 libc++-16-dev libc++abi-16-dev libclang-rt-16-dev clang-tidy-16 clang-format-16 googletest"
       brew="llvm@16" ;;
     mac-check)
-      debian="git npm libgnustep-base-dev libgnustep-gui-dev"
+      debian="npm libgnustep-base-dev libgnustep-gui-dev"
       brew="node" ;;
     bench)
       debian="gdu ncdu"

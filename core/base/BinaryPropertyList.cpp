@@ -7,10 +7,8 @@
 #include <unicode/unistr.h>
 
 #include <bit>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,21 +25,6 @@ std::uint64_t bigEndian(std::string_view bytes) {
     for (const char byte : bytes)
         value = value << 8U | static_cast<unsigned char>(byte);
     return value;
-}
-
-Instant instantFromReference(double secondsSince2001) {
-    constexpr double reference = 978'307'200;
-    // Whole and fraction apart: microseconds since 1970 in one `double` are not exact.
-    const double whole = std::floor(secondsSince2001);
-    const double seconds = whole + reference;
-    constexpr double edge = 9'223'372'036'854; // whole seconds that microseconds in 64 bits can hold
-    if (seconds >= edge)
-        return Instant::max();
-    if (seconds <= -edge)
-        return Instant::min();
-    const auto micros = std::llround((secondsSince2001 - whole) * 1e6);
-    return Instant(std::chrono::seconds(static_cast<std::int64_t>(seconds)) +
-                   std::chrono::microseconds(micros));
 }
 
 std::string textFromUtf16(std::string_view bytes) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <concepts>
+#include <cstdint>
 #include <cstdlib>
+#include <optional>
 
 namespace korvanti {
 
@@ -21,6 +23,13 @@ template <std::signed_integral Integer>
     if (__builtin_mul_overflow(a, b, &product))
         std::abort();
     return product;
+}
+
+/// A size as an outside tool told it; absent when it is negative or more than any disk holds (a petabyte), so
+/// that no sum of such can overflow.
+[[nodiscard]] constexpr std::optional<std::int64_t> plausibleBytes(std::optional<std::int64_t> told) {
+    constexpr std::int64_t most = 1'000'000'000'000'000;
+    return told && *told >= 0 && *told <= most ? told : std::nullopt;
 }
 
 } // namespace korvanti

@@ -1,7 +1,10 @@
 #include "base/Instant.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
 #include <fmt/format.h>
 
@@ -52,14 +55,18 @@ public:
         return true;
     }
 
-    /// A number of at least one and at most `most` digits. Beyond any year that an instant can have, it stays
-    /// at `absurd`.
-    std::optional<std::int64_t> number(std::size_t most = std::string_view::npos) {
+    struct Digits {
+        std::size_t fewest = 1;
+        std::size_t most = std::string_view::npos;
+    };
+
+    /// A number of so many digits. Beyond any year that an instant can have, it stays at `absurd`.
+    std::optional<std::int64_t> number(Digits allowed) {
         std::int64_t value = 0;
         std::size_t digits = 0;
-        for (; digits < rest_.size() && digits < most && isDigit(rest_[digits]); ++digits)
+        for (; digits < rest_.size() && digits < allowed.most && isDigit(rest_[digits]); ++digits)
             value = std::min(value * 10 + (rest_[digits] - '0'), absurd);
-        if (digits == 0)
+        if (digits < allowed.fewest)
             return std::nullopt;
         rest_.remove_prefix(digits);
         return value;
@@ -68,7 +75,7 @@ public:
     /// The microseconds of a fraction of 1 to 9 digits.
     std::optional<std::int64_t> fraction() {
         const std::size_t before = rest_.size();
-        auto value = number(9);
+        auto value = number({.most = 9});
         if (!value)
             return std::nullopt;
         for (std::size_t digits = before - rest_.size(); digits < 9; ++digits)
@@ -86,6 +93,59 @@ private:
     std::string_view rest_;
 };
 
+struct DateFields {
+    std::int64_t year = 0;
+    std::int64_t month = 0;
+    std::int64_t day = 0;
+    std::int64_t hour = 0;
+    std::int64_t minute = 0;
+    std::int64_t second = 0;
+};
+
+enum class Padding { any, full };
+
+/// "2026-11-15T18:42:59", what lies in front of the fraction and the zone.
+std::optional<DateFields> dateFields(DateReader& in, Padding padding) {
+    struct Field {
+        std::string_view separator;
+        std::size_t digits;
+        std::int64_t DateFields::*value;
+    };
+    constexpr std::array<Field, 6> form{{{"", 4, &DateFields::year},
+                                         {"-", 2, &DateFields::month},
+                                         {"-", 2, &DateFields::day},
+                                         {"T", 2, &DateFields::hour},
+                                         {":", 2, &DateFields::minute},
+                                         {":", 2, &DateFields::second}}};
+    DateFields fields;
+    for (const auto& [separator, digits, field] : form) {
+        const std::size_t fewest = padding == Padding::full ? digits : 1;
+        const auto value = in.take(separator) ? in.number({.fewest = fewest}) : std::nullopt;
+        if (!value)
+            return std::nullopt;
+        fields.*field = *value;
+    }
+    return fields;
+}
+
+/// Each field for itself, up to the 31st, the end of the day (24:00:00) and a leap second.
+bool isInRange(const DateFields& in) {
+    return in.year != DateReader::absurd && in.month >= 1 && in.month <= 12 && in.day >= 1 && in.day <= 31 &&
+           in.hour <= 24 && in.minute <= 59 && in.second <= 60;
+}
+
+/// That the month has such a day; leap years are the same in every cycle.
+bool hasDay(const DateFields& in) {
+    const std::chrono::year year(static_cast<int>(in.year % yearsPerCycle));
+    const std::chrono::month month(static_cast<unsigned>(in.month));
+    return (year / month / std::chrono::day(static_cast<unsigned>(in.day))).ok();
+}
+
+std::int64_t secondsSince1970(const DateFields& at) {
+    return daysOf(at.year, static_cast<unsigned>(at.month), at.day) * secondsPerDay + at.hour * 3600 +
+           at.minute * 60 + at.second;
+}
+
 /// The seconds that a zone is ahead of UTC.
 std::optional<std::int64_t> zoneOffset(DateReader& in) {
     if (in.take("Z") || in.take("z"))
@@ -95,15 +155,15 @@ std::optional<std::int64_t> zoneOffset(DateReader& in) {
     if (!ahead && !in.take("-"))
         return named ? std::optional<std::int64_t>(0) : std::nullopt;
 
-    const auto hours = in.number(2);
+    const auto hours = in.number({.most = 2});
     if (!hours)
         return std::nullopt;
     std::int64_t offset = *hours * 3600;
     const bool colon = in.take(":");
     if (in.atDigit()) {
-        offset += in.number(2).value_or(0) * 60;
+        offset += in.number({.most = 2}).value_or(0) * 60;
         if (colon && in.take(":") && in.atDigit())
-            offset += in.number(2).value_or(0);
+            offset += in.number({.most = 2}).value_or(0);
     }
     constexpr std::int64_t furthestZone = 64'800; // 18 hours
     if (offset > furthestZone)
@@ -120,6 +180,20 @@ Instant currentInstant() {
 Instant instantFromSeconds(std::int64_t secondsSince1970) {
     const auto instant = instantOf(secondsSince1970, 0);
     return instant ? *instant : secondsSince1970 < 0 ? Instant::min() : Instant::max();
+}
+
+Instant instantFromReference(double secondsSince2001) {
+    constexpr double reference = 978'307'200;
+    // Whole and fraction apart: microseconds since 1970 in one `double` are not exact.
+    const double whole = std::floor(secondsSince2001);
+    const double seconds = whole + reference;
+    constexpr double edge = 9'223'372'036'854; // whole seconds that microseconds in 64 bits can hold
+    if (seconds >= edge)
+        return Instant::max();
+    if (seconds <= -edge)
+        return Instant::min();
+    const auto micros = std::llround((secondsSince2001 - whole) * 1e6);
+    return Instant(std::chrono::seconds(static_cast<std::int64_t>(seconds)) + microseconds(micros));
 }
 
 std::int64_t wholeSeconds(Instant instant) {
@@ -150,15 +224,9 @@ std::string iso8601Text(Instant instant) {
 std::optional<Instant> instantFromIso8601(std::string_view text) {
     DateReader in(text);
     const bool negative = in.take("-"); // only we write such a year
-    std::array<std::int64_t, 6> fields{};
-    for (std::size_t field = 0; field < fields.size(); ++field) {
-        constexpr std::array<std::string_view, 6> separators = {"", "-", "-", "T", ":", ":"};
-        const auto value = in.take(separators[field]) ? in.number() : std::nullopt;
-        if (!value)
-            return std::nullopt;
-        fields[field] = *value;
-    }
-    const auto [year, month, day, hour, minute, second] = fields;
+    auto fields = dateFields(in, Padding::any);
+    if (!fields || !isInRange(*fields))
+        return std::nullopt;
     const auto fraction = in.take(".") ? in.fraction() : std::optional<std::int64_t>(0);
     if (!fraction)
         return std::nullopt;
@@ -166,14 +234,23 @@ std::optional<Instant> instantFromIso8601(std::string_view text) {
     if (!offset)
         return std::nullopt;
 
-    const bool endOfDay = hour == 24 && minute == 0 && second == 0 && *fraction == 0;
-    if (year == DateReader::absurd || month < 1 || month > 12 || day < 1 || day > 31 ||
-        (hour > 23 && !endOfDay) || minute > 59 || second > 60)
+    const bool fullHour = fields->minute == 0 && fields->second == 0 && *fraction == 0;
+    if (fields->hour == 24 && !fullHour) // only as the end of the day
         return std::nullopt;
-    const std::int64_t shownSecond = std::min<std::int64_t>(second, 59); // 60 is a leap second
+    fields->second = std::min<std::int64_t>(fields->second, 59); // 60 is a leap second
+    fields->year = negative ? -fields->year : fields->year;
+    return instantOf(secondsSince1970(*fields) - *offset, *fraction);
+}
 
-    const std::int64_t days = daysOf(negative ? -year : year, static_cast<unsigned>(month), day);
-    return instantOf(days * secondsPerDay + hour * 3600 + minute * 60 + shownSecond - *offset, *fraction);
+std::optional<Instant> instantFromStrictIso8601(std::string_view text) {
+    DateReader in(Text::trimmed(text));
+    const auto fields = dateFields(in, Padding::full);
+    if (!fields || !isInRange(*fields) || !hasDay(*fields) || fields->hour == 24 || fields->second == 60)
+        return std::nullopt;
+    const auto offset = zoneOffset(in);
+    if (!offset)
+        return std::nullopt;
+    return instantOf(secondsSince1970(*fields) - *offset, 0);
 }
 
 } // namespace korvanti

@@ -393,6 +393,7 @@ auto optional(JsonObjectReader& in, std::string_view key, Convert convert, const
 
 constexpr const char* aText = "a text";
 constexpr const char* anInteger = "an integer";
+constexpr const char* aBoolean = "true or false";
 constexpr const char* anInstant = "an instant";
 constexpr const char* aListOfTexts = "a list of texts";
 
@@ -434,7 +435,7 @@ double JsonObjectReader::number(std::string_view key) {
 }
 
 bool JsonObjectReader::boolean(std::string_view key) {
-    return required(*this, key, booleanOf, "true or false");
+    return required(*this, key, booleanOf, aBoolean);
 }
 
 Instant JsonObjectReader::instant(std::string_view key) {
@@ -455,6 +456,10 @@ std::optional<std::string> JsonObjectReader::optionalText(std::string_view key) 
 
 std::optional<std::int64_t> JsonObjectReader::optionalInteger(std::string_view key) {
     return optional(*this, key, integerOf, anInteger);
+}
+
+std::optional<bool> JsonObjectReader::optionalBoolean(std::string_view key) {
+    return optional(*this, key, booleanOf, aBoolean);
 }
 
 std::optional<Instant> JsonObjectReader::optionalInstant(std::string_view key) {

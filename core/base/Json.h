@@ -60,6 +60,7 @@ public:
 
     std::optional<std::string> optionalText(std::string_view key);
     std::optional<std::int64_t> optionalInteger(std::string_view key);
+    std::optional<bool> optionalBoolean(std::string_view key);
     std::optional<Instant> optionalInstant(std::string_view key);
     std::optional<std::vector<std::string>> optionalTexts(std::string_view key);
 

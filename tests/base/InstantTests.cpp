@@ -20,7 +20,7 @@ TEST(InstantTests, readsTheWallClock) {
     const std::time_t before = std::time(nullptr);
     const std::int64_t now = wholeSeconds(currentInstant());
     EXPECT_GE(now, before);
-    EXPECT_LE(now, std::time(nullptr));
+    EXPECT_LE(now, std::time(nullptr) + 1); // whose clock may lag by a tick
 }
 
 TEST(InstantTests, cutsWholeSecondsTowardThePast) {
@@ -39,6 +39,14 @@ TEST(InstantTests, takesAnySecondsToTheNearestInstant) {
     EXPECT_EQ(instantFromSeconds(std::numeric_limits<std::int64_t>::max()), Instant::max());
     EXPECT_EQ(instantFromSeconds(-9'223'372'036'855), Instant::min());
     EXPECT_EQ(instantFromSeconds(std::numeric_limits<std::int64_t>::min()), Instant::min());
+}
+
+TEST(InstantTests, countsFromThePlatformsReferenceDate) {
+    EXPECT_EQ(instantFromReference(0), instantFromSeconds(978'307'200));
+    EXPECT_EQ(instantFromReference(1.25), instantFromSeconds(978'307'201) + microseconds(250'000));
+    EXPECT_EQ(instantFromReference(-0.25), instantFromSeconds(978'307'200) - microseconds(250'000));
+    EXPECT_EQ(instantFromReference(1e13), Instant::max());
+    EXPECT_EQ(instantFromReference(-1e13), Instant::min());
 }
 
 TEST(InstantTests, measuresSecondsWithTheirFraction) {
@@ -206,6 +214,73 @@ TEST(InstantTests, countsLeapYearsAsTheCalendarDoes) {
     EXPECT_EQ(instantFromIso8601("2100-02-29T00:00:00Z"), instantFromIso8601("2100-03-01T00:00:00Z"));
     EXPECT_NE(instantFromIso8601("2000-02-29T00:00:00Z"), instantFromIso8601("2000-03-01T00:00:00Z"));
     EXPECT_EQ(instantFromIso8601("1900-03-01T00:00:00Z"), at(-2'203'891'200));
+}
+
+// The strict form
+
+TEST(InstantTests, strictlyReadsADateWithAZone) {
+    const std::pair<const char*, std::int64_t> rows[] = {
+        {"2026-11-15T18:42:59Z", november},
+        {"2026-11-15T18:42:59z", november},
+        {"2026-11-15T18:42:59+07:00", november - 7 * 3600},
+        {"2026-11-15T18:42:59+0700", november - 7 * 3600},
+        {"2026-11-15T18:42:59+07", november - 7 * 3600},
+        {"2026-11-15T18:42:59-03:30", november + 3 * 3600 + 30 * 60},
+        {"2026-11-15T18:42:59GMT", november},
+        {"2026-11-15T18:42:59UTC+7", november - 7 * 3600},
+        {"1969-12-31T23:59:59Z", -1},
+        {"2026-11-15T00:00:00Z", november - 18 * 3600 - 42 * 60 - 59},
+    };
+    for (const auto& [text, seconds] : rows)
+        EXPECT_EQ(instantFromStrictIso8601(text), at(seconds)) << text;
+}
+
+TEST(InstantTests, strictlyReadsPastBlanksInFrontAndAnythingBehindTheZone) {
+    for (const char* text :
+         {" 2026-11-15T18:42:59Z", "\t\n 2026-11-15T18:42:59Z", "2026-11-15T18:42:59Z and more",
+          "2026-11-15T18:42:59ZZ", "2026-11-15T18:42:59+00:00xyz"})
+        EXPECT_EQ(instantFromStrictIso8601(text), at(november)) << text;
+}
+
+TEST(InstantTests, strictlyRefusesAFraction) {
+    for (const char* text : {"2026-11-15T18:42:59.123Z", "2026-11-15T18:42:59.0Z", "2026-11-15T18:42:59.Z",
+                             "2026-11-15T18:42:59,5Z"})
+        EXPECT_FALSE(instantFromStrictIso8601(text)) << text;
+}
+
+TEST(InstantTests, strictlyRefusesAMissingZone) {
+    for (const char* text : {"2026-11-15T18:42:59", "2026-11-15T18:42:59+", "2026-11-15T18:42:59EST"})
+        EXPECT_FALSE(instantFromStrictIso8601(text)) << text;
+}
+
+TEST(InstantTests, strictlyRefusesNumbersWithoutTheirZeros) {
+    for (const char* text : {"2026-1-12T03:04:05Z", "2026-11-5T03:04:05Z", "2026-11-15T3:04:05Z",
+                             "2026-11-15T03:4:05Z", "2026-11-15T03:04:5Z", "226-11-15T03:04:05Z"})
+        EXPECT_FALSE(instantFromStrictIso8601(text)) << text;
+}
+
+TEST(InstantTests, strictlyRefusesADayThatTheMonthLacks) {
+    for (const char* text : {"2026-02-29T00:00:00Z", "2024-02-30T00:00:00Z", "2100-02-29T00:00:00Z",
+                             "2026-04-31T00:00:00Z", "2026-11-32T00:00:00Z", "2026-11-00T00:00:00Z"})
+        EXPECT_FALSE(instantFromStrictIso8601(text)) << text;
+    EXPECT_EQ(instantFromStrictIso8601("2024-02-29T00:00:00Z"), at(1'709'164'800));
+    EXPECT_EQ(instantFromStrictIso8601("2000-02-29T00:00:00Z"), at(951'782'400));
+    EXPECT_EQ(instantFromStrictIso8601("2026-12-31T00:00:00Z"), at(1'798'675'200));
+}
+
+TEST(InstantTests, strictlyRefusesATimeThatTheDayLacks) {
+    for (const char* text : {"2026-12-31T24:00:00Z", "2016-12-31T23:59:60Z", "2026-11-15T25:00:00Z",
+                             "2026-11-15T18:60:59Z", "2026-00-15T18:42:59Z", "2026-13-15T18:42:59Z"})
+        EXPECT_FALSE(instantFromStrictIso8601(text)) << text;
+    EXPECT_EQ(instantFromStrictIso8601("2026-11-15T23:59:59Z"), at(november + 5 * 3600 + 17 * 60));
+}
+
+TEST(InstantTests, strictlyRefusesAllElse) {
+    for (const char* text :
+         {"", " ", "Z", "2026-11-15", "2026-11-15T18:42Z", "2026-11-15t18:42:59Z", "2026-11-15 18:42:59Z",
+          "20261115T184259Z", "2026/11/15T18:42:59Z", "-2026-11-15T18:42:59Z", "+2026-11-15T18:42:59Z",
+          "1794768179", "99999999999999999999-11-15T18:42:59Z", "294248-01-01T00:00:00Z", "kemarin"})
+        EXPECT_FALSE(instantFromStrictIso8601(text)) << text;
 }
 
 } // namespace

@@ -343,6 +343,7 @@ TEST_F(JsonObjectReaderTests, readsARecordInOneGo) {
     EXPECT_EQ(in.textMap("map"), (std::map<std::string, std::string>{{"k", "v"}}));
     EXPECT_EQ(in.optionalText("text"), "t");
     EXPECT_EQ(in.optionalInteger("integer"), 5);
+    EXPECT_EQ(in.optionalBoolean("yes"), true);
     EXPECT_EQ(in.optionalInstant("instant"), instantFromSeconds(1'794'768'179));
     EXPECT_EQ(in.optionalTexts("texts"), (std::vector<std::string>{"a", "b"}));
     EXPECT_FALSE(in.failed());
@@ -422,6 +423,7 @@ TEST_F(JsonObjectReaderTests, takesAMissingOptionalAndNullAlike) {
         JsonObjectReader in(value);
         EXPECT_EQ(in.optionalText("x"), std::nullopt);
         EXPECT_EQ(in.optionalInteger("x"), std::nullopt);
+        EXPECT_EQ(in.optionalBoolean("x"), std::nullopt);
         EXPECT_EQ(in.optionalInstant("x"), std::nullopt);
         EXPECT_EQ(in.optionalTexts("x"), std::nullopt);
         EXPECT_EQ(in.optionalValue("x"), nullptr);
@@ -435,6 +437,8 @@ TEST_F(JsonObjectReaderTests, refusesAnOptionalOfAnotherType) {
     EXPECT_FALSE(reading(R"({"x":false})", [](auto& in) { return in.optionalInstant("x"); }));
     EXPECT_FALSE(reading(R"({"x":false})", [](auto& in) { return in.optionalTexts("x"); }));
     EXPECT_FALSE(reading(R"({"x":5.5})", [](auto& in) { return in.optionalInteger("x"); }));
+    EXPECT_FALSE(reading(R"({"x":0})", [](auto& in) { return in.optionalBoolean("x"); }));
+    EXPECT_FALSE(reading(R"({"x":"false"})", [](auto& in) { return in.optionalBoolean("x"); }));
 }
 
 TEST_F(JsonObjectReaderTests, refusesAValueThatIsNoObject) {

@@ -2,7 +2,6 @@
 #include "support/RunProgram.h"
 #include "support/TempFolder.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>

@@ -1,15 +1,19 @@
 #include "support/BoxFolder.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 namespace korvanti::testing {
 namespace {
 
+constexpr const char* callLog = "/box/calls"; ///< there in the box only
+
 /// The path, once everything in it is gone.
 std::string emptied(const std::string& path) {
-    if (!std::filesystem::exists("/box/calls")) {
+    if (!std::filesystem::exists(callLog)) {
         std::fprintf(stderr, "%s is only touched inside the box: start this program with tests/box/enter\n",
                      path.c_str());
         std::abort();
@@ -19,7 +23,35 @@ std::string emptied(const std::string& path) {
     return path;
 }
 
+std::string answerFile(std::string call) {
+    std::ranges::replace(call, '/', '%');
+    return call;
+}
+
 } // namespace
+
+BoxMac::BoxMac() {
+    std::ofstream(callLog, std::ios::trunc);
+}
+
+void BoxMac::answer(const std::string& call, const std::string& text, int status) const {
+    answers.file(answerFile(call), {.text = text});
+    if (status != 0)
+        answers.file(answerFile(call) + ".status", {.text = std::to_string(status)});
+}
+
+void BoxMac::answerWithScript(const std::string& call, const std::string& script) const {
+    answers.file(answerFile(call), {.text = "#!/bin/sh\n" + script + "\n"});
+    answers.setMode(answerFile(call), 0755);
+}
+
+std::vector<std::string> BoxMac::calls() {
+    std::vector<std::string> calls;
+    std::ifstream log(callLog);
+    for (std::string line; std::getline(log, line);)
+        calls.push_back(line);
+    return calls;
+}
 
 BoxFolder::BoxFolder(const std::string& path) : TempFolder(emptied(path)) {}
 

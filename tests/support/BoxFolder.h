@@ -3,6 +3,7 @@
 #include "support/TempFolder.h"
 
 #include <string>
+#include <vector>
 
 namespace korvanti::testing {
 
@@ -15,14 +16,25 @@ public:
 
 /// The Mac in the box as one test finds it.
 struct BoxMac {
+    BoxMac();
+
     BoxFolder home{"/Users/tester"};
     BoxFolder applications{"/Applications"};
     BoxFolder privacy{"/Library/Application Support/com.apple.TCC"};
+    BoxFolder answers{"/box/answers"};
 
     /// An application with nothing but its bundle identifier.
     void installApplication(const std::string& name, const std::string& bundleIdentifier) const;
     /// The privacy database can be opened from now on.
     void grantFullDiskAccess() const;
+
+    /// What a stand-in ("diskutil", "xcrun", "xcode-select", "tmutil", "ps") says when it is called with just
+    /// these arguments, one blank between them. One without an answer fails.
+    void answer(const std::string& call, const std::string& text, int status = 0) const;
+    /// The same as a shell script that is run in its place.
+    void answerWithScript(const std::string& call, const std::string& script) const;
+    /// The calls of all stand-ins since the start of this test: name and arguments.
+    [[nodiscard]] static std::vector<std::string> calls();
 };
 
 } // namespace korvanti::testing

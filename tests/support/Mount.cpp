@@ -1,0 +1,28 @@
+#include "support/Mount.h"
+
+#include <cerrno>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <utility>
+
+namespace korvanti::testing {
+
+Mount::Mount(std::string point) : point_(std::move(point)) {
+    mount("box", "tmpfs", 0);
+}
+
+Mount::Mount(const std::string& source, std::string point) : point_(std::move(point)) {
+    mount(source, nullptr, MS_BIND);
+}
+
+Mount::~Mount() {
+    ::umount2(point_.c_str(), MNT_DETACH | UMOUNT_NOFOLLOW);
+}
+
+void Mount::mount(const std::string& source, const char* type, unsigned long flags) const {
+    if (::mount(source.c_str(), point_.c_str(), type, flags, nullptr) != 0)
+        ADD_FAILURE() << "mount on " << point_ << ": " << std::strerror(errno);
+}
+
+} // namespace korvanti::testing
