@@ -45,23 +45,55 @@ bool flush(int file) {
     return uninterrupted([&] { return ::fsync(file); }) == 0;
 }
 
-} // namespace
+/// Open, with its length; no descriptor where it can't be read or is no regular file.
+struct RegularFile {
+    explicit RegularFile(const std::string& path)
+        : descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {
+        struct stat status {};
+        if (::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode))
+            descriptor.reset();
+        length = status.st_size;
+    }
 
-std::optional<std::string> read(const std::string& path, std::int64_t limit) {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    struct stat status {};
-    if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > limit)
-        return std::nullopt;
+    FileDescriptor descriptor;
+    std::int64_t length = 0;
+};
+
+/// At most `limit` bytes from where the file stands; absent when it can't be read.
+std::optional<std::string> readUpTo(std::int64_t limit, int file) {
     std::string bytes;
     char buffer[64 * 1024];
     while (true) {
-        const auto count = uninterrupted([&] { return ::read(file.get(), buffer, sizeof buffer); });
+        const auto room =
+            std::min<std::int64_t>(limit - static_cast<std::int64_t>(bytes.size()), sizeof buffer);
+        const auto count =
+            uninterrupted([&] { return ::read(file, buffer, static_cast<std::size_t>(room)); });
+        if (count < 0)
+            return std::nullopt;
         if (count == 0)
             return bytes;
-        if (count < 0 || static_cast<std::int64_t>(bytes.size()) + count > limit)
-            return std::nullopt;
         bytes.append(buffer, static_cast<std::size_t>(count));
     }
+}
+
+} // namespace
+
+std::optional<std::string> read(const std::string& path, std::int64_t limit) {
+    const RegularFile file(path);
+    if (!file.descriptor || file.length > limit)
+        return std::nullopt;
+    auto bytes = readUpTo(limit + 1, file.descriptor.get()); // it may grow meanwhile
+    return bytes && static_cast<std::int64_t>(bytes->size()) <= limit ? bytes : std::nullopt;
+}
+
+std::optional<PropertyList> readPropertyList(const std::string& path) {
+    const auto bytes = read(path);
+    return bytes ? PropertyList::parse(*bytes) : std::nullopt;
+}
+
+std::optional<std::string> readStart(const std::string& path, std::int64_t limit) {
+    const RegularFile file(path);
+    return file.descriptor ? readUpTo(limit, file.descriptor.get()) : std::nullopt;
 }
 
 std::expected<void, std::error_code> writeAtomically(const std::string& path, std::string_view bytes) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/PropertyList.h"
+
 #include <cstdint>
 #include <expected>
 #include <optional>
@@ -16,6 +18,13 @@ inline constexpr std::int64_t defaultLimit = 64 * 1024 * 1024;
 /// The bytes of a regular file, links followed. Absent when it can't be read, is no regular file or is larger
 /// than `limit` bytes. Never waits on a pipe or a device.
 [[nodiscard]] std::optional<std::string> read(const std::string& path, std::int64_t limit = defaultLimit);
+
+/// The property list in a file; absent when `read` gives none or it is damaged.
+[[nodiscard]] std::optional<PropertyList> readPropertyList(const std::string& path);
+
+/// The first bytes of a regular file, at most `limit` of them; otherwise as `read`. For files that other
+/// programs own and that may be of any size.
+[[nodiscard]] std::optional<std::string> readStart(const std::string& path, std::int64_t limit);
 
 /// Replaces a file as a whole: written to a temporary file beside it, flushed, moved over it. On failure the
 /// old file stands and nothing is left behind.

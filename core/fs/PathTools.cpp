@@ -5,23 +5,20 @@
 
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <memory>
 #include <sys/stat.h>
+#include <system_error>
 
 namespace korvanti::PathTools {
 namespace {
 
 std::optional<struct stat> linkStatus(const std::string& path) {
     struct stat status {};
-    if (::lstat(path.c_str(), &status) != 0)
+    // Of a path with a zero inside, the system would see the part before it.
+    if (path.contains('\0') || ::lstat(path.c_str(), &status) != 0)
         return std::nullopt;
     return status;
-}
-
-std::string_view withoutTrailingSlashes(std::string_view path) {
-    while (path.size() > 1 && path.ends_with('/'))
-        path.remove_suffix(1);
-    return path;
 }
 
 bool isDigit(char c) {
@@ -66,18 +63,41 @@ std::optional<Instant> modificationDate(const std::string& path) {
     return instantFromSeconds(status->st_mtime);
 }
 
-std::vector<std::string> children(const std::string& folder) {
+std::vector<Entry> entries(const std::string& folder) {
     const FileDescriptor descriptor(Platform::openFolder(folder, Platform::Links::follow));
     if (!descriptor)
         return {};
-    std::vector<std::string> paths;
-    const auto buffer = std::make_unique<Platform::FolderBuffer>();
+    std::vector<Entry> entries;
+    const auto buffer = std::make_unique_for_overwrite<Platform::FolderBuffer>();
     Platform::FolderReader reader(descriptor.get(), *buffer, Platform::EntryFacts::names);
     while (const auto* entry = reader.next())
-        paths.push_back(joined(folder, entry->name));
+        entries.push_back({std::string(entry->name), entry->kind});
     if (reader.failed())
         return {};
+    return entries;
+}
+
+std::vector<std::string> children(const std::string& folder) {
+    std::vector<std::string> paths;
+    for (const auto& entry : entries(folder))
+        paths.push_back(joined(folder, entry.name));
     return paths;
+}
+
+std::vector<std::string> subfolders(const std::string& folder) {
+    std::vector<std::string> paths;
+    for (const auto& entry : entries(folder)) {
+        if (entry.kind == Platform::EntryKind::folder)
+            paths.push_back(joined(folder, entry.name));
+    }
+    return paths;
+}
+
+std::string resolved(const std::string& path) {
+    std::error_code error;
+    const auto whole =
+        std::filesystem::canonical(path, error); // of nothing, some libraries give the working folder
+    return error || path.empty() ? path : whole.string();
 }
 
 std::strong_ordering compareVersions(std::string_view a, std::string_view b) {
@@ -108,11 +128,30 @@ std::string abbreviatingHome(const std::string& path, std::string_view home) {
     return "~" + path.substr(home.size());
 }
 
+bool isEntryName(std::string_view text) {
+    return !text.empty() && text != "." && text != ".." && !text.contains('/') && !text.contains('\0');
+}
+
+bool leadsDown(std::string_view text) {
+    for (auto slash = text.find('/'); slash != std::string_view::npos; slash = text.find('/')) {
+        if (!isEntryName(text.substr(0, slash)))
+            return false;
+        text.remove_prefix(slash + 1);
+    }
+    return isEntryName(text);
+}
+
 std::string joined(std::string_view folder, std::string_view relative) {
     std::string path(folder);
     if (!path.ends_with('/'))
         path += '/';
     path += relative;
+    return path;
+}
+
+std::string_view withoutTrailingSlashes(std::string_view path) {
+    while (path.size() > 1 && path.ends_with('/'))
+        path.remove_suffix(1);
     return path;
 }
 
@@ -139,6 +178,12 @@ std::string_view pathExtension(std::string_view path) {
     if (stem.empty() || stem == "." || stem == ".." || extension.contains(' '))
         return {};
     return extension;
+}
+
+std::string_view stem(std::string_view path) {
+    const auto name = lastComponent(path);
+    const auto extension = pathExtension(path);
+    return extension.empty() ? name : name.substr(0, name.size() - extension.size() - 1);
 }
 
 } // namespace korvanti::PathTools

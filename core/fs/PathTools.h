@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Instant.h"
+#include "platform/Platform.h"
 
 #include <compare>
 #include <optional>
@@ -8,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-/// Questions about paths, all answered by `lstat`: a link is never followed. Paths are bytes. Nothing here
-/// fails; a negative or empty answer stands for every failure.
+/// Questions about paths, all answered by `lstat`: but for `resolved`, a link is never followed. Paths are
+/// bytes. Nothing here fails; a negative or empty answer stands for every failure.
 namespace korvanti::PathTools {
 
 /// There is an entry, be it a dangling link.
@@ -19,8 +20,24 @@ namespace korvanti::PathTools {
 [[nodiscard]] bool isDirectory(const std::string& path);
 /// The modification time in whole seconds.
 [[nodiscard]] std::optional<Instant> modificationDate(const std::string& path);
-/// The direct entries of a folder as full paths, hidden ones included, in the system's order.
+
+/// One entry of a folder.
+struct Entry {
+    std::string name;
+    Platform::EntryKind kind = Platform::EntryKind::other;
+    bool operator==(const Entry&) const = default;
+};
+/// The direct entries of a folder, hidden ones included, in the system's order. None when it can't be read to
+/// its end.
+[[nodiscard]] std::vector<Entry> entries(const std::string& folder);
+/// The same as full paths.
 [[nodiscard]] std::vector<std::string> children(const std::string& folder);
+/// Those of them that are real folders.
+[[nodiscard]] std::vector<std::string> subfolders(const std::string& folder);
+
+/// The path with its links followed, where all of it exists; otherwise the path as it is. To be compared only
+/// with what this function gave, too.
+[[nodiscard]] std::string resolved(const std::string& path);
 
 /// Shell pattern without flags, as the Mac's `fnmatch` takes it, byte by byte: `*` and `?` also match a slash
 /// and a leading dot.
@@ -37,8 +54,16 @@ namespace korvanti::PathTools {
 [[nodiscard]] std::string abbreviatingHome(const std::string& path);
 [[nodiscard]] std::string abbreviatingHome(const std::string& path, std::string_view home);
 
+/// The text names an entry of a folder and leads nowhere else.
+[[nodiscard]] bool isEntryName(std::string_view text);
+/// All components of the text are entry names, so that it leads below the folder that it starts from,
+/// whatever that is (but for links on the way). To be asked of relative paths that others wrote.
+[[nodiscard]] bool leadsDown(std::string_view text);
+
 /// `folder` + "/" + `relative`, with one slash between.
 [[nodiscard]] std::string joined(std::string_view folder, std::string_view relative);
+/// The same path; "/" stays. The system follows a link in the last component when a slash stands behind it.
+[[nodiscard]] std::string_view withoutTrailingSlashes(std::string_view path);
 /// The text behind the last slash; trailing slashes don't count. "/" gives "/".
 [[nodiscard]] std::string_view lastComponent(std::string_view path);
 /// The path without its last component: "/a/b" gives "/a", "/a" and "/" give "/", "a" gives "".
@@ -46,5 +71,7 @@ namespace korvanti::PathTools {
 /// The text behind the last dot of the last component; empty where the platform sees no extension (".bashrc",
 /// "a.", "v1.2 copy").
 [[nodiscard]] std::string_view pathExtension(std::string_view path);
+/// The last component without its extension and the dot before it.
+[[nodiscard]] std::string_view stem(std::string_view path);
 
 } // namespace korvanti::PathTools

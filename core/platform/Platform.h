@@ -1,8 +1,11 @@
 #pragma once
 
+#include "base/Instant.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <spawn.h>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +37,15 @@ struct VolumeCapacity {
 /// Bytes of memory installed.
 [[nodiscard]] std::int64_t physicalMemory();
 
+/// What the system's index remembers of the use of an application.
+struct SpotlightUsage {
+    std::optional<Instant> lastUsed;
+    std::optional<std::int64_t> useCount;
+    bool operator==(const SpotlightUsage&) const = default;
+};
+/// Empty for what is not indexed, was never used, or where there is no such index.
+[[nodiscard]] SpotlightUsage applicationUsage(const std::string& bundle);
+
 enum class EntryKind : std::uint8_t { file, folder, link, other };
 
 /// One entry of a folder, links not followed. The sizes are those of anything but a folder, and 0 for a
@@ -41,14 +53,17 @@ enum class EntryKind : std::uint8_t { file, folder, link, other };
 struct FolderEntry {
     std::string_view name; ///< valid until the next call of `next`
     EntryKind kind = EntryKind::other;
-    bool mountPoint = false;          ///< the listing itself tells that a volume is mounted on this folder
-    std::int64_t allocatedBytes = 0;  ///< blocks on disk
-    std::int64_t logicalBytes = 0;    ///< length
-    std::int64_t modifiedSeconds = 0; ///< whole seconds since 1970
+    bool mountPoint = false;         ///< the listing itself tells that a volume is mounted on this folder
+    bool hidden = false;             ///< from people, by more than a dot in front of the name
+    bool package = false;            ///< the listing itself tells that this folder is a package
+    std::int64_t allocatedBytes = 0; ///< blocks on disk
+    std::int64_t logicalBytes = 0;   ///< length
+    std::optional<std::int64_t> modifiedSeconds; ///< whole seconds since 1970, where the file system tells
 };
 
-/// How much a `FolderReader` finds out about each entry.
-enum class EntryFacts { names, sizes };
+/// How much a `FolderReader` finds out about each entry. What is hidden and what a package comes with
+/// `everything` only.
+enum class EntryFacts { names, sizes, everything };
 
 /// Memory for one folder's listing at a time. Keep one a thread and use it again: it is too large for the
 /// stack.
@@ -57,8 +72,8 @@ struct FolderBuffer {
     alignas(8) char bytes[capacity];
 };
 
-/// Reads the entries of one open folder in the system's order, without "." and "..". With `EntryFacts::sizes`
-/// an entry that can't be asked (gone since) is left out.
+/// Reads the entries of one open folder in the system's order, without "." and "..". Unless only names are
+/// wanted, an entry that can't be asked (gone since) is left out.
 class FolderReader {
 public:
     /// Descriptor and buffer stay the caller's and must outlive the reader.
@@ -88,6 +103,7 @@ struct FolderIdentity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
     bool mountRoot = false; ///< the root of a mounted volume, where the system tells
+    bool operator==(const FolderIdentity&) const = default;
 };
 /// Absent when the descriptor can't be asked.
 [[nodiscard]] std::optional<FolderIdentity> folderIdentity(int folder);
@@ -97,8 +113,19 @@ enum class Links { refuse, follow };
 /// Opens a folder to be listed: follows a link in the last component only if told so, never waits, never
 /// fetches what lies in a cloud only. -1 with errno on failure. The descriptor is the caller's to close.
 [[nodiscard]] int openFolder(const std::string& path, Links links = Links::refuse);
-/// The same for the child of an open folder, which never is a link.
+/// The same for the child of an open folder (or "..", its parent), which never is a link.
 [[nodiscard]] int openFolderAt(int parent, const char* name);
+
+/// A folder with a name that has an extension is shown to people as one document.
+[[nodiscard]] bool isPackage(const std::string& path);
+
+/// From now on the calling thread works behind whatever else wants the processor: other programs, and the
+/// tools that this one started.
+void giveWay();
+
+/// Makes a program that is about to be started inherit no descriptor but its first three. 0, or the system's
+/// error number.
+[[nodiscard]] int inheritOnlyStreams(posix_spawnattr_t& attributes, posix_spawn_file_actions_t& actions);
 
 /// Lifts the limit of open files of this process as far as the system lets an ordinary program go.
 void raiseOpenFileLimit();

@@ -41,6 +41,44 @@ TEST_F(FileContentsTests, aFileOverTheLimitIsNotRead) {
               std::nullopt);
 }
 
+TEST_F(FileContentsTests, theStartOfAFileIsReadUpToTheLimit) {
+    const auto file = temp.file("file", {.text = std::string("1\0"
+                                                             "345",
+                                                             5)});
+    EXPECT_EQ(FileContents::readStart(file, 3), std::string("1\0"
+                                                            "3",
+                                                            3));
+    EXPECT_EQ(FileContents::readStart(file, 0), "");
+    for (const std::int64_t enough : {5, 6, 1'000'000})
+        EXPECT_EQ(FileContents::readStart(file, enough), std::string("1\0"
+                                                                     "345",
+                                                                     5))
+            << enough;
+    EXPECT_EQ(FileContents::readStart(temp.file("empty"), 5), "");
+}
+
+TEST_F(FileContentsTests, theStartOfAHugeFileIsRead) {
+    const auto file = temp.file("huge", {.text = "start", .sparseBytes = 100'000'000'000});
+    const auto start = FileContents::readStart(file, 200'000);
+    ASSERT_TRUE(start);
+    EXPECT_EQ(start->size(), 200'000U);
+    EXPECT_TRUE(start->starts_with(std::string("start\0", 6)));
+    EXPECT_EQ(FileContents::read(file), std::nullopt);
+}
+
+TEST_F(FileContentsTests, theStartIsReadThroughALink) {
+    temp.file("file", {.text = "text"});
+    EXPECT_EQ(FileContents::readStart(temp.symlink("link", "file"), 2), "te");
+    EXPECT_EQ(FileContents::readStart(temp.symlink("dangling", "nowhere"), 2), std::nullopt);
+}
+
+TEST_F(FileContentsTests, aFolderAPipeADeviceAndNothingHaveNoStart) {
+    ASSERT_EQ(::mkfifo(temp.path("pipe").c_str(), 0600), 0);
+    for (const auto& path :
+         {temp.path(), temp.path("pipe"), std::string("/dev/zero"), temp.path("missing"), std::string()})
+        EXPECT_EQ(FileContents::readStart(path, 10), std::nullopt) << path;
+}
+
 TEST_F(FileContentsTests, writingReplacesTheFileAndLeavesNothingBeside) {
     const auto file = temp.file("folder/file", {.text = "old and longer"});
     EXPECT_TRUE(FileContents::writeAtomically(file, "new"));
@@ -84,6 +122,18 @@ TEST_F(FileContentsTests, aFileInTheWayIsAnError) {
     temp.file("a");
     EXPECT_EQ(FileContents::createFolders(temp.path("a/b")).error(), std::errc::not_a_directory);
     EXPECT_FALSE(FileContents::createFolders(temp.path("a")));
+}
+
+TEST_F(FileContentsTests, readsAPropertyList) {
+    const auto list = FileContents::readPropertyList(KORVANTI_TEST_DATA "/Info-binary.plist");
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->text("CFBundleIdentifier"), "com.contoh.Catatan");
+}
+
+TEST_F(FileContentsTests, whatIsNoPropertyListIsNotReadAsOne) {
+    for (const auto& path : {temp.file("damaged", {.text = "bplist00nonsense"}), temp.file("empty"),
+                             temp.folder("folder"), temp.path("missing")})
+        EXPECT_EQ(FileContents::readPropertyList(path), std::nullopt) << path;
 }
 
 } // namespace

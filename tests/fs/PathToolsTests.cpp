@@ -6,6 +6,7 @@
 #include <fnmatch.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace korvanti {
 namespace {
@@ -22,6 +23,13 @@ TEST_F(PathToolsTests, aDanglingLinkExists) {
     EXPECT_TRUE(PathTools::exists(link));
     EXPECT_TRUE(PathTools::isSymlink(link));
     EXPECT_FALSE(PathTools::exists(temp.path("nowhere")));
+}
+
+TEST_F(PathToolsTests, aPathWithAZeroInsideIsNotThatOfThePartBefore) {
+    const auto path = temp.folder("folder") + std::string("\0x", 2);
+    EXPECT_FALSE(PathTools::exists(path));
+    EXPECT_FALSE(PathTools::isDirectory(path));
+    EXPECT_EQ(PathTools::modificationDate(path), std::nullopt);
 }
 
 TEST_F(PathToolsTests, aLinkToAFolderIsNoFolder) {
@@ -67,6 +75,18 @@ TEST_F(PathToolsTests, childrenOfAFileOrOfNothingAreEmpty) {
     EXPECT_TRUE(PathTools::children(temp.folder("empty")).empty());
 }
 
+TEST_F(PathToolsTests, entriesTellTheKindOfEachWithoutFollowingLinks) {
+    using enum Platform::EntryKind;
+    temp.file("folder/file");
+    temp.folder("folder/sub/deeper");
+    temp.symlink("folder/link", temp.path("folder/sub"));
+    ASSERT_EQ(::mkfifo(temp.path("folder/pipe").c_str(), 0600), 0);
+    using Entry = PathTools::Entry;
+    EXPECT_THAT(PathTools::entries(temp.path("folder")),
+                ::testing::UnorderedElementsAre(Entry{"file", file}, Entry{"sub", folder},
+                                                Entry{"link", link}, Entry{"pipe", other}));
+}
+
 TEST_F(PathToolsTests, childrenOfAFolderOfManyPagesAreAllThere) {
     for (int i = 0; i < 10'000; ++i)
         temp.file("many/a-name-that-is-long-enough-to-need-more-than-one-page-" + std::to_string(i));
@@ -74,6 +94,54 @@ TEST_F(PathToolsTests, childrenOfAFolderOfManyPagesAreAllThere) {
     std::ranges::sort(children);
     EXPECT_EQ(children.size(), 10'000U);
     EXPECT_EQ(std::ranges::adjacent_find(children), children.end());
+}
+
+TEST_F(PathToolsTests, subfoldersAreTheRealFoldersAmongTheChildren) {
+    const auto folder = temp.folder("tree/folder");
+    const auto hidden = temp.folder("tree/.hidden");
+    const auto package = temp.folder("tree/Foo.app");
+    temp.file("tree/file");
+    temp.symlink("tree/link", folder);
+    temp.symlink("tree/dangling", "nowhere");
+    ASSERT_EQ(::mkfifo(temp.path("tree/pipe").c_str(), 0600), 0);
+    temp.folder("tree/folder/deeper");
+    EXPECT_THAT(PathTools::subfolders(temp.path("tree")),
+                ::testing::UnorderedElementsAre(folder, hidden, package));
+}
+
+TEST_F(PathToolsTests, subfoldersOfALinkToAFolderAreThoseBehindIt) {
+    temp.folder("folder/sub");
+    EXPECT_THAT(PathTools::subfolders(temp.symlink("link", "folder")),
+                ::testing::ElementsAre(temp.path("link/sub")));
+}
+
+TEST_F(PathToolsTests, subfoldersOfAFileOrOfNothingAreEmpty) {
+    EXPECT_TRUE(PathTools::subfolders(temp.file("file")).empty());
+    EXPECT_TRUE(PathTools::subfolders(temp.path("missing")).empty());
+    EXPECT_TRUE(PathTools::subfolders(temp.folder("empty")).empty());
+}
+
+TEST_F(PathToolsTests, aPathIsResolvedThroughAllItsLinks) {
+    const auto file = temp.file("a/b/file");
+    temp.symlink("one", "a");
+    temp.symlink("two", temp.path("one/b"));
+    temp.symlink("three", "two/file");
+    for (const auto* path : {"a/b/file", "one/b/file", "two/file", "three", "a/../one/./b//file"})
+        EXPECT_EQ(PathTools::resolved(temp.path(path)), file) << path;
+    EXPECT_EQ(PathTools::resolved(temp.path("a/b/")), temp.path("a/b"));
+    EXPECT_EQ(PathTools::resolved("/"), "/");
+}
+
+TEST_F(PathToolsTests, aPathThatDoesNotExistAsAWholeStaysAsItIs) {
+    temp.folder("folder");
+    temp.file("file");
+    temp.symlink("link", "folder");
+    temp.symlink("dangling", "nowhere");
+    temp.symlink("itself", "itself");
+    for (const auto* path : {"link/missing", "dangling", "itself", "link/../missing/", "file/below"})
+        EXPECT_EQ(PathTools::resolved(temp.path(path)), temp.path(path)) << path;
+    EXPECT_EQ(PathTools::resolved(""), "");
+    EXPECT_EQ(PathTools::resolved("/" + std::string(10'000, 'x')), "/" + std::string(10'000, 'x'));
 }
 
 struct Pattern {
@@ -192,10 +260,42 @@ TEST(PathTextTests, theHomeFolderIsATilde) {
     EXPECT_EQ(PathTools::abbreviatingHome("/x", "/"), "/x");
 }
 
+TEST(PathTextTests, anEntryNameLeadsNowhereElse) {
+    using namespace std::string_view_literals;
+    for (const auto name : {"a"sv, ".a"sv, "..a"sv, "a."sv, "..."sv, " "sv, "\n"sv, "\xff"sv, "a b"sv, "~"sv})
+        EXPECT_TRUE(PathTools::isEntryName(name)) << name;
+    for (const auto name : {""sv, "."sv, ".."sv, "/"sv, "a/"sv, "/a"sv, "a/b"sv, "\0"sv, "a\0"sv, "a\0b"sv})
+        EXPECT_FALSE(PathTools::isEntryName(name)) << name;
+}
+
+TEST(PathTextTests, aPathOfEntryNamesLeadsDown) {
+    using namespace std::string_view_literals;
+    for (const auto path : {"a"sv, "a/b"sv, "..a/b../.c"sv, " / "sv})
+        EXPECT_TRUE(PathTools::leadsDown(path)) << path;
+    for (const auto path : {""sv, "."sv, ".."sv, "/"sv, "/a"sv, "a/"sv, "a//b"sv, "./a"sv, "a/."sv, "../a"sv,
+                            "a/.."sv, "a/../b"sv, "a/./b"sv, "a/b\0c"sv, "\0/a"sv})
+        EXPECT_FALSE(PathTools::leadsDown(path)) << path;
+}
+
+TEST(PathTextTests, aPathOfAMillionPartsLeadsDown) {
+    std::string path = "a";
+    for (int part = 1; part < 1'000'000; ++part)
+        path += "/a";
+    EXPECT_TRUE(PathTools::leadsDown(path));
+    EXPECT_FALSE(PathTools::leadsDown(path + "/.."));
+}
+
 TEST(PathTextTests, joiningPutsOneSlashBetween) {
     EXPECT_EQ(PathTools::joined("/a", "b/c"), "/a/b/c");
     EXPECT_EQ(PathTools::joined("/a/", "b"), "/a/b");
     EXPECT_EQ(PathTools::joined("/", "b"), "/b");
+}
+
+TEST(PathTextTests, trailingSlashesGoButForTheRoot) {
+    EXPECT_EQ(PathTools::withoutTrailingSlashes("/a/b//"), "/a/b");
+    EXPECT_EQ(PathTools::withoutTrailingSlashes("/a/b"), "/a/b");
+    EXPECT_EQ(PathTools::withoutTrailingSlashes("//"), "/");
+    EXPECT_EQ(PathTools::withoutTrailingSlashes(""), "");
 }
 
 TEST(PathTextTests, lastComponentAndParentTakeAPathApart) {
@@ -219,6 +319,16 @@ TEST(PathTextTests, theExtensionIsWhatThePlatformSees) {
     EXPECT_EQ(PathTools::pathExtension("Foo.APP"), "APP");
     for (const auto* none : {".app", ".bashrc", "a.", "..x", "v1.2 copy", "plain", "", "/"})
         EXPECT_EQ(PathTools::pathExtension(none), "") << none;
+}
+
+TEST(PathTextTests, theStemIsTheLastComponentWithoutItsExtension) {
+    EXPECT_EQ(PathTools::stem("/Pictures/Photos Library.photoslibrary"), "Photos Library");
+    EXPECT_EQ(PathTools::stem("/Applications/Foo.app/"), "Foo");
+    EXPECT_EQ(PathTools::stem("a.tar.gz"), "a.tar");
+    EXPECT_EQ(PathTools::stem("a.b/c"), "c");
+    EXPECT_EQ(PathTools::stem("\xff.\xfe"), "\xff");
+    for (const auto* whole : {".app", ".bashrc", "a.", "..x", "v1.2 copy", "plain", "", "/"})
+        EXPECT_EQ(PathTools::stem(whole), whole) << whole;
 }
 
 } // namespace

@@ -1,13 +1,11 @@
 #include "fs/SizeCalculator.h"
+#include "support/Mount.h"
 #include "support/TempFolder.h"
 
-#include <cerrno>
-#include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
-#include <sys/mount.h>
 #include <vector>
 
 namespace korvanti {
@@ -16,29 +14,9 @@ namespace {
 using testing::blocksOf;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using testing::Mount;
 using testing::TempFolder;
 using ::testing::UnorderedElementsAre;
-
-/// A mount that lasts as long as the object.
-class Mount {
-public:
-    /// A memory file system.
-    explicit Mount(std::string point) : Mount("box", std::move(point), "tmpfs", 0) {}
-    /// What lies at `source`, shown at a second place.
-    Mount(const std::string& source, std::string point) : Mount(source, std::move(point), nullptr, MS_BIND) {}
-    Mount(const Mount&) = delete;
-    Mount& operator=(const Mount&) = delete;
-    ~Mount() { ::umount2(point_.c_str(), MNT_DETACH | UMOUNT_NOFOLLOW); }
-
-private:
-    Mount(const std::string& source, std::string point, const char* type, unsigned long flags)
-        : point_(std::move(point)) {
-        if (::mount(source.c_str(), point_.c_str(), type, flags, nullptr) != 0)
-            ADD_FAILURE() << "mount on " << point_ << ": " << std::strerror(errno);
-    }
-
-    std::string point_;
-};
 
 /// Needs the right to mount: runs in the box as root.
 class SizeCalculatorBoxTests : public ::testing::Test {

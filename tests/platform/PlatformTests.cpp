@@ -1,12 +1,16 @@
 #include "base/FileDescriptor.h"
+#include "base/Text.h"
 #include "platform/Platform.h"
 #include "support/Environment.h"
 #include "support/TempFolder.h"
 
+#include <algorithm>
+#include <cctype>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
+#include <string_view>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -31,9 +35,22 @@ TEST(PlatformTests, theCapacityOfNothingIsZero) {
     EXPECT_EQ(Platform::volumeCapacity("/no/such/path"), Platform::VolumeCapacity{});
 }
 
+#ifdef __linux__
+TEST(PlatformTests, whereNothingIsPurgeableAnImportantUseMayHaveWhatIsFree) {
+    const auto capacity = Platform::volumeCapacity("/");
+    EXPECT_EQ(capacity.availableImportant, capacity.available);
+}
+#endif
+
 TEST(PlatformTests, memoryIsInstalledAndSwapIsNotNegative) {
     EXPECT_GT(Platform::physicalMemory(), 16'000'000);
     EXPECT_GE(Platform::swapUsed(), 0);
+}
+
+TEST(PlatformTests, whatIsNoApplicationWasNeverUsed) {
+    const TempFolder temp;
+    for (const auto& path : {std::string(), temp.path("missing.app"), temp.folder("Empty.app")})
+        EXPECT_EQ(Platform::applicationUsage(path), Platform::SpotlightUsage{}) << path;
 }
 
 TEST(PlatformTests, raisingTheLimitOfOpenFilesNeverLowersIt) {
@@ -68,7 +85,8 @@ TEST_F(FolderReaderTests, tellsTheKindOfEachEntry) {
     temp.folder("folder");
     temp.symlink("link", "folder");
     ASSERT_EQ(::mkfifo(temp.path("pipe").c_str(), 0600), 0);
-    for (const auto facts : {Platform::EntryFacts::names, Platform::EntryFacts::sizes}) {
+    for (const auto facts :
+         {Platform::EntryFacts::names, Platform::EntryFacts::sizes, Platform::EntryFacts::everything}) {
         const auto entries = read(facts);
         ASSERT_EQ(entries.size(), 4U);
         EXPECT_EQ(entries.at("file").kind, Platform::EntryKind::file);
@@ -80,12 +98,35 @@ TEST_F(FolderReaderTests, tellsTheKindOfEachEntry) {
 
 TEST_F(FolderReaderTests, tellsSizesAndDatesOnlyWhenAsked) {
     temp.file("file", {.allocatedBytes = 8192, .modified = 1'234'567});
-    const auto entry = read(Platform::EntryFacts::sizes).at("file");
-    EXPECT_EQ(entry.allocatedBytes, 8192);
-    EXPECT_EQ(entry.logicalBytes, 8192);
-    EXPECT_EQ(entry.modifiedSeconds, 1'234'567);
+    for (const auto facts : {Platform::EntryFacts::sizes, Platform::EntryFacts::everything}) {
+        const auto entry = read(facts).at("file");
+        EXPECT_EQ(entry.allocatedBytes, 8192);
+        EXPECT_EQ(entry.logicalBytes, 8192);
+        EXPECT_EQ(entry.modifiedSeconds, 1'234'567);
+    }
     EXPECT_EQ(read(Platform::EntryFacts::names).at("file").logicalBytes, 0);
+    EXPECT_EQ(read(Platform::EntryFacts::names).at("file").modifiedSeconds, std::nullopt);
 }
+
+TEST_F(FolderReaderTests, anOrdinaryEntryIsNeitherHiddenNorAPackageByItsListing) {
+    temp.file("file");
+    temp.file(".file");
+    temp.folder("folder");
+    for (const auto& [name, entry] : read(Platform::EntryFacts::everything)) {
+        EXPECT_FALSE(entry.hidden) << name;
+        EXPECT_FALSE(entry.package) << name;
+    }
+}
+
+#ifdef __APPLE__
+TEST_F(FolderReaderTests, whatTheFinderDoesNotShowIsHidden) {
+    ASSERT_EQ(::chflags(temp.file("file").c_str(), UF_HIDDEN), 0);
+    ASSERT_EQ(::chflags(temp.folder("folder").c_str(), UF_HIDDEN), 0);
+    const auto entries = read(Platform::EntryFacts::everything);
+    EXPECT_TRUE(entries.at("file").hidden);
+    EXPECT_TRUE(entries.at("folder").hidden);
+}
+#endif
 
 TEST_F(FolderReaderTests, aDescriptorThatIsNoFolderFails) {
     const FileDescriptor file(::open(temp.file("file").c_str(), O_RDONLY));
@@ -104,6 +145,13 @@ TEST_F(FolderReaderTests, aLinkIsNotOpenedAsAFolder) {
     EXPECT_TRUE(FileDescriptor(Platform::openFolderAt(parent.get(), "folder")));
 }
 
+TEST_F(FolderReaderTests, theParentOfAnOpenFolderOpens) {
+    const FileDescriptor folder(Platform::openFolder(temp.folder("folder")));
+    const FileDescriptor parent(Platform::openFolderAt(folder.get(), ".."));
+    const FileDescriptor expected(Platform::openFolder(temp.path()));
+    EXPECT_EQ(Platform::folderIdentity(parent.get())->inode, Platform::folderIdentity(expected.get())->inode);
+}
+
 TEST_F(FolderReaderTests, twoFoldersHaveTwoIdentities) {
     const FileDescriptor one(Platform::openFolder(temp.folder("one")));
     const FileDescriptor again(Platform::openFolder(temp.path("one")));
@@ -117,7 +165,34 @@ TEST_F(FolderReaderTests, twoFoldersHaveTwoIdentities) {
     EXPECT_FALSE(Platform::folderIdentity(-1));
 }
 
+TEST(PlatformTests, foldersThatAreOneDocumentArePackages) {
+    const TempFolder temp;
+    EXPECT_TRUE(Platform::isPackage(temp.folder("Foo.app")));
+    EXPECT_TRUE(Platform::isPackage(temp.folder("v1.2 Photos Library.photoslibrary")));
+    for (const auto* folder : {"Foo.framework", "Foo.app/Contents", "app", "node_modules", "some.folder"})
+        EXPECT_FALSE(Platform::isPackage(temp.folder(folder))) << folder;
+    EXPECT_FALSE(Platform::isPackage(""));
+}
+
 #ifdef __linux__
+TEST(PlatformTests, everyPackageExtensionIsKnownInAnyCase) {
+    const std::string_view extensions =
+        "app appex bundle plugin component kext xpc prefpane saver qlgenerator mdimporter wdgt service "
+        "action workflow scptd rtfd pages numbers key pkg mpkg download xcodeproj xcworkspace xcarchive "
+        "xcdatamodeld playground dsym mlpackage photoslibrary aplibrary musiclibrary tvlibrary imovielibrary "
+        "fcpbundle logicx band garageband sparsebundle backupbundle dvdmedia theater";
+    for (const auto extension : Text::pieces(extensions, ' ')) {
+        const std::string path = "/a/b." + std::string(extension);
+        EXPECT_TRUE(Platform::isPackage(path)) << path;
+        EXPECT_FALSE(Platform::isPackage(path + "x")) << path;
+        std::string upper = path;
+        std::ranges::transform(upper, upper.begin(), [](unsigned char c) { return std::toupper(c); });
+        EXPECT_TRUE(Platform::isPackage(upper)) << upper;
+    }
+    for (const auto* other : {"framework", "lproj", "xcassets"})
+        EXPECT_FALSE(Platform::isPackage("/a/b." + std::string(other))) << other;
+}
+
 TEST(PlatformTests, theHomeFolderIsThatOfTheEnvironmentWithoutATrailingSlash) {
     const ScopedVariable home("HOME", "/some/home//");
     EXPECT_EQ(Platform::homeFolder(), "/some/home");

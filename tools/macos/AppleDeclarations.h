@@ -14,3 +14,19 @@ extern "C" NSURLResourceKey const NSURLVolumeAvailableCapacityForImportantUsageK
 - (NSDictionary<NSURLResourceKey, id>*)resourceValuesForKeys:(NSArray<NSURLResourceKey>*)keys
                                                        error:(NSError**)error;
 @end
+
+// Core Foundation, which Apple's Foundation brings along.
+typedef const void* CFTypeRef;
+typedef const struct __CFAllocator* CFAllocatorRef;
+typedef const struct __CFString* CFStringRef;
+typedef const struct __CFURL* CFURLRef;
+extern "C" const CFAllocatorRef kCFAllocatorDefault;
+inline id CFBridgingRelease(CFTypeRef __attribute__((cf_consumed)) X) {
+    return (__bridge_transfer id)X;
+}
+
+// CoreServices, Metadata.
+typedef struct __MDItem* MDItemRef;
+extern "C" MDItemRef MDItemCreateWithURL(CFAllocatorRef allocator, CFURLRef url);
+extern "C" CFTypeRef MDItemCopyAttribute(MDItemRef item, CFStringRef name);
+extern "C" const CFStringRef kMDItemLastUsedDate;

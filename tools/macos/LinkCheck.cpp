@@ -14,11 +14,13 @@ void printEntries(int folder, Platform::EntryFacts facts) {
     const auto buffer = std::make_unique<Platform::FolderBuffer>();
     Platform::FolderReader reader(folder, *buffer, facts);
     while (const auto* entry = reader.next())
-        std::printf("%.*s kind %d, %lld bytes allocated, %lld long, modified %lld%s\n",
+        std::printf("%.*s kind %d, %lld bytes allocated, %lld long, modified %lld%s%s%s\n",
                     static_cast<int>(entry->name.size()), entry->name.data(), static_cast<int>(entry->kind),
                     static_cast<long long>(entry->allocatedBytes),
                     static_cast<long long>(entry->logicalBytes),
-                    static_cast<long long>(entry->modifiedSeconds), entry->mountPoint ? ", mount point" : "");
+                    static_cast<long long>(entry->modifiedSeconds.value_or(0)),
+                    entry->mountPoint ? ", mount point" : "", entry->hidden ? ", hidden" : "",
+                    entry->package ? ", package" : "");
     if (reader.failed())
         std::puts("(broken off)");
 }
@@ -27,6 +29,7 @@ void printEntries(int folder, Platform::EntryFacts facts) {
 
 int main() {
     Platform::raiseOpenFileLimit();
+    Platform::giveWay();
     const std::string home = Platform::homeFolder();
     const auto capacity = Platform::volumeCapacity(home);
     std::printf(
@@ -36,13 +39,25 @@ int main() {
         static_cast<long long>(Platform::swapUsed()), static_cast<long long>(Platform::physicalMemory()));
     for (const auto& mount : Platform::mountPoints())
         std::printf("mounted at %s\n", mount.c_str());
+    for (const auto* path : {"/Applications/Safari.app", "/System/Library/Frameworks/AppKit.framework"})
+        std::printf("%s is %s package\n", path, Platform::isPackage(path) ? "a" : "no");
+
+    const auto usage = Platform::applicationUsage("/Applications/Safari.app");
+    std::printf("Safari: last used %lld, %lld times\n",
+                static_cast<long long>(usage.lastUsed ? wholeSeconds(*usage.lastUsed) : -1),
+                static_cast<long long>(usage.useCount.value_or(-1)));
+
+    posix_spawnattr_t attributes{};
+    posix_spawn_file_actions_t actions{};
+    if (::posix_spawnattr_init(&attributes) == 0 && ::posix_spawn_file_actions_init(&actions) == 0)
+        std::printf("only streams: error %d\n", Platform::inheritOnlyStreams(attributes, actions));
 
     const int folder = Platform::openFolder(home);
     if (folder < 0) {
         std::perror(home.c_str());
         return 1;
     }
-    printEntries(folder, Platform::EntryFacts::sizes);
+    printEntries(folder, Platform::EntryFacts::everything);
     if (const auto identity = Platform::folderIdentity(folder))
         std::printf("device %llu, inode %llu\n", static_cast<unsigned long long>(identity->device),
                     static_cast<unsigned long long>(identity->inode));

@@ -57,10 +57,10 @@ const FolderEntry* FolderReader::next() {
 
         entry_ = {.name = name, .kind = kindOfType(record.type)};
         const bool unknown = record.type == unknownType;
-        if (unknown || (facts_ == EntryFacts::sizes && entry_.kind != EntryKind::folder)) {
+        if (unknown || (facts_ != EntryFacts::names && entry_.kind != EntryKind::folder)) {
             struct stat facts {};
             if (::fstatat(folder_, name, &facts, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT) != 0) {
-                if (facts_ == EntryFacts::sizes)
+                if (facts_ != EntryFacts::names)
                     continue;
                 return &entry_;
             }

@@ -71,9 +71,10 @@ VolumeCapacity volumeCapacity(const std::string& path) {
     struct statvfs volume {};
     if (::statvfs(path.c_str(), &volume) != 0)
         return {};
+    const auto available = saturatedProduct(volume.f_bavail, volume.f_frsize);
     return {.total = saturatedProduct(volume.f_blocks, volume.f_frsize),
-            .available = saturatedProduct(volume.f_bavail, volume.f_frsize),
-            .availableImportant = std::nullopt};
+            .available = available,
+            .availableImportant = available}; // nothing is purgeable
 }
 
 std::int64_t swapUsed() {
@@ -88,6 +89,10 @@ std::int64_t physicalMemory() {
     if (::sysinfo(&system) != 0)
         return 0;
     return saturatedProduct(system.totalram, system.mem_unit);
+}
+
+SpotlightUsage applicationUsage(const std::string& /*bundle*/) {
+    return {};
 }
 
 std::optional<FolderIdentity> folderIdentity(int folder) {
@@ -105,6 +110,15 @@ int openFolder(const std::string& path, Links links) {
 
 int openFolderAt(int parent, const char* name) {
     return ::openat(parent, name, folderFlags | O_NOFOLLOW);
+}
+
+void giveWay() {
+    constexpr int nice = 10;
+    ::setpriority(PRIO_PROCESS, 0, nice); // of this thread alone, unlike elsewhere
+}
+
+int inheritOnlyStreams(posix_spawnattr_t& /*attributes*/, posix_spawn_file_actions_t& actions) {
+    return ::posix_spawn_file_actions_addclosefrom_np(&actions, 3);
 }
 
 void raiseOpenFileLimit() {

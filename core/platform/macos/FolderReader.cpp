@@ -51,16 +51,30 @@ template <class Field> Field take(const char*& at) {
     return field;
 }
 
+/// What the Finder keeps about a file or a folder, as it stands on the disk.
+struct FinderInfo {
+    unsigned char before[8];
+    unsigned char flags[2]; ///< the high byte first
+    unsigned char behind[22];
+
+    // kIsInvisible and kHasBundle, bits of the high byte.
+    [[nodiscard]] bool invisible() const { return (flags[0] & 0x40) != 0; }
+    [[nodiscard]] bool bundle() const { return (flags[0] & 0x20) != 0; }
+};
+static_assert(sizeof(FinderInfo) == 32);
+
 /// What is taken from each entry, and so the fields of a record, in the order of their bits.
 attrlist attributesFor(EntryFacts facts) {
     attrlist wanted{};
     wanted.bitmapcount = ATTR_BIT_MAP_COUNT;
     wanted.commonattr = ATTR_CMN_RETURNED_ATTRS | ATTR_CMN_NAME | ATTR_CMN_ERROR | ATTR_CMN_OBJTYPE;
-    if (facts == EntryFacts::sizes) {
+    if (facts != EntryFacts::names) {
         wanted.commonattr |= ATTR_CMN_MODTIME;
         wanted.dirattr = ATTR_DIR_MOUNTSTATUS;
         wanted.fileattr = ATTR_FILE_ALLOCSIZE | ATTR_FILE_DATALENGTH;
     }
+    if (facts == EntryFacts::everything)
+        wanted.commonattr |= ATTR_CMN_FNDRINFO | ATTR_CMN_FLAGS;
     return wanted;
 }
 
@@ -86,6 +100,13 @@ Record parseRecord(const char* at) {
         record.entry.kind = kindOfType(take<fsobj_type_t>(at));
     if (returned.commonattr & ATTR_CMN_MODTIME)
         record.entry.modifiedSeconds = take<timespec>(at).tv_sec;
+    if (returned.commonattr & ATTR_CMN_FNDRINFO) {
+        const auto info = take<FinderInfo>(at);
+        record.entry.hidden = info.invisible();
+        record.entry.package = info.bundle() && record.entry.kind == EntryKind::folder;
+    }
+    if (returned.commonattr & ATTR_CMN_FLAGS)
+        record.entry.hidden |= (take<std::uint32_t>(at) & UF_HIDDEN) != 0;
     // A record has the fields of a folder or those of anything else, never both.
     if (returned.dirattr & ATTR_DIR_MOUNTSTATUS)
         record.entry.mountPoint = (take<std::uint32_t>(at) & DIR_MNTSTATUS_MNTPOINT) != 0;
@@ -110,13 +131,14 @@ std::shared_ptr<void> openListing(int folder) {
     return {listing, [](DIR* open) { ::closedir(open); }};
 }
 
-/// Kind, sizes and date of one entry. False when it can't be asked.
-bool askSizes(int folder, const char* name, FolderEntry& entry) {
+/// Kind, sizes, date and flags of one entry. False when it can't be asked.
+bool askByName(int folder, const char* name, FolderEntry& entry) {
     struct stat info {};
     if (::fstatat(folder, name, &info, AT_SYMLINK_NOFOLLOW) != 0)
         return false;
     entry.kind = kindOfMode(info.st_mode);
     entry.modifiedSeconds = info.st_mtimespec.tv_sec;
+    entry.hidden = (info.st_flags & UF_HIDDEN) != 0;
     if (entry.kind != EntryKind::folder) {
         entry.allocatedBytes = multiplyChecked<std::int64_t>(info.st_blocks, 512);
         entry.logicalBytes = info.st_size;
@@ -139,8 +161,9 @@ bool nextListed(DIR* listing, int folder, EntryFacts facts, FolderEntry& entry, 
         if (isDotEntry(entry.name))
             continue;
         entry.kind = kindOfMode(static_cast<mode_t>(DTTOIF(listed->d_type)));
-        const bool askFurther = facts == EntryFacts::sizes && entry.kind != EntryKind::folder;
-        if ((!askFurther && listed->d_type != DT_UNKNOWN) || askSizes(folder, listed->d_name, entry))
+        const bool askFurther = facts == EntryFacts::everything ||
+                                (facts == EntryFacts::sizes && entry.kind != EntryKind::folder);
+        if ((!askFurther && listed->d_type != DT_UNKNOWN) || askByName(folder, listed->d_name, entry))
             return true;
     }
 }
@@ -159,8 +182,8 @@ const FolderEntry* FolderReader::next() {
             continue;
         entry_ = record.entry;
         // What the bulk could not tell is asked once more by name, which ends with a zero in the record.
-        if (record.error != 0 && !askSizes(folder_, entry_.name.data(), entry_) &&
-            facts_ == EntryFacts::sizes)
+        if (record.error != 0 && !askByName(folder_, entry_.name.data(), entry_) &&
+            facts_ != EntryFacts::names)
             continue;
         return &entry_;
     }

@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <pthread.h>
+#include <pthread/qos.h>
 #include <pwd.h>
 #include <sys/mount.h>
 #include <sys/param.h>
@@ -106,6 +108,17 @@ int openFolder(const std::string& path, Links links) {
 int openFolderAt(int parent, const char* name) {
     const WithoutFetching guard;
     return ::openat(parent, name, folderFlags | O_NOFOLLOW);
+}
+
+void giveWay() {
+    ::pthread_set_qos_class_self_np(QOS_CLASS_UTILITY, 0);
+}
+
+int inheritOnlyStreams(posix_spawnattr_t& attributes, posix_spawn_file_actions_t& /*actions*/) {
+    short flags = 0;
+    if (const int error = ::posix_spawnattr_getflags(&attributes, &flags); error != 0)
+        return error;
+    return ::posix_spawnattr_setflags(&attributes, static_cast<short>(flags | POSIX_SPAWN_CLOEXEC_DEFAULT));
 }
 
 void raiseOpenFileLimit() {
