@@ -1,10 +1,12 @@
 #pragma once
 
 #include "base/Instant.h"
+#include "fs/SizeLedger.h"
 #include "scan/CleanupItem.h"
 #include "scan/ProjectIndex.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +21,8 @@ struct ScanContext {
     std::int64_t inactiveDays = 0;
     Instant now; ///< when the scan began, one value for all providers
     ProjectIndex projects;
+    /// Shared by all providers of the scan; every one measures through it.
+    std::shared_ptr<SizeLedger> sizes = std::make_shared<SizeLedger>();
 
     /// Whole days from `date` to `now`, cut toward zero; zero or negative for a date in the future. Nil gives
     /// nil.
@@ -41,8 +45,7 @@ public:
     [[nodiscard]] virtual int priority() const = 0;
     /// Shown in the progress line.
     [[nodiscard]] virtual std::string name() const = 0;
-    /// Only reads; blocks until done. What can't be read is missing from the list. Called on a thread of its
-    /// own.
+    /// Only reads; blocks until done. What can't be read is missing from the list. Called on any thread.
     [[nodiscard]] virtual std::vector<CleanupItem> items(const ScanContext& context) const = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include "base/Instant.h"
 
+#include <cstdint>
 #include <optional>
 #include <set>
 #include <string>
@@ -24,6 +25,19 @@ struct ProjectIndex {
     std::string buildFileText;                 ///< all Gradle build files, joined
     std::set<std::string> rustToolchains;      ///< versions such as 1.75.0
     std::set<std::string> nodeVersions;        ///< versions such as 20.11.0, or names such as lts/iron
+
+    /// The versions in the names of the distributions: gradle-8.7-bin gives 8.7.
+    [[nodiscard]] std::set<std::string> gradleVersions() const;
+    /// The two-digit API levels that the build files compile against.
+    [[nodiscard]] std::set<std::int64_t> compileSdks() const;
+
+    /// Walks the roots, `maxDepth` levels down. Blocks and never fails: what can't be read is missing.
+    [[nodiscard]] static ProjectIndex build(const std::vector<std::string>& roots, int maxDepth);
+    /// The later of the last commit and the last change of git's index; absent when there is neither.
+    [[nodiscard]] static std::optional<Instant> lastActivityOfRepository(const std::string& root);
+    /// The folder holds a file that only the top of a project has.
+    [[nodiscard]] static bool isProjectRoot(const std::string& folder);
+
     bool operator==(const ProjectIndex&) const = default;
 };
 

@@ -1,9 +1,7 @@
 #include "scan/CleanupItem.h"
 
 #include <gtest/gtest.h>
-#include <set>
 #include <string>
-#include <tuple>
 #include <vector>
 
 namespace korvanti {
