@@ -97,7 +97,7 @@ ScanReport Scanner::run(const Providers& providers, const Progress& progress) co
     report.startedAt = startedAt;
     report.items = merge(std::move(found));
     progress("Membaca kondisi disk…");
-    report.disk = DiskInspector::snapshot(home);
+    report.disk = DiskInspector::snapshot(home, {.includeSmart = true});
     report.notes = notes(report.disk);
     report.duration = secondsBetween(startedAt, currentInstant());
     return report;
