@@ -2,7 +2,6 @@
 
 #include "analysis/InstalledApps.h"
 #include "fs/PathTools.h"
-#include "fs/SizeCalculator.h"
 
 #include <set>
 #include <string>
@@ -99,13 +98,13 @@ std::vector<CleanupItem> CatalogProvider::items(const ScanContext& context,
         }
     }
 
-    const auto sizes = SizeCalculator::measureAll(locations, {.trackNewest = false, .concurrency = 6});
+    const auto sizes = context.sizes->measureAll(locations, {.trackNewest = false, .concurrency = 6});
 
     std::vector<CleanupItem> items;
     for (const Candidate& candidate : candidates) {
-        const auto size = sizes.find(candidate.location);
-        if (size != sizes.end() && isWorthShowing(*candidate.rule, size->second.bytes))
-            items.push_back(item(candidate, size->second));
+        const auto& size = sizes.at(candidate.location);
+        if (isWorthShowing(*candidate.rule, size.bytes))
+            items.push_back(item(candidate, size));
     }
     return items;
 }

@@ -1,13 +1,13 @@
 #include "providers/CatalogProvider.h"
 
 #include "fs/PathTools.h"
+#include "support/Items.h"
 #include "support/TempFolder.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <set>
 #include <string>
 #include <utility>
@@ -18,7 +18,9 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using testing::paths;
 using ::testing::SizeIs;
+using testing::titles;
 using ::testing::UnorderedElementsAre;
 
 using AppCondition = CatalogRule::AppCondition;
@@ -49,18 +51,6 @@ CatalogRule row(std::string path, AppCondition condition) {
     auto rule = row(std::move(path));
     rule.condition = std::move(condition);
     return rule;
-}
-
-std::vector<std::string> paths(const std::vector<CleanupItem>& items) {
-    std::vector<std::string> paths;
-    std::ranges::transform(items, std::back_inserter(paths), &CleanupItem::path);
-    return paths;
-}
-
-std::vector<std::string> titles(const std::vector<CleanupItem>& items) {
-    std::vector<std::string> titles;
-    std::ranges::transform(items, std::back_inserter(titles), &CleanupItem::title);
-    return titles;
 }
 
 class CatalogProviderTests : public ::testing::Test {
