@@ -1,4 +1,5 @@
 #include "platform/Platform.h"
+#include "process/Toolchain.h"
 #include "terminal/TerminalFace.h"
 
 #include <csignal>
@@ -21,8 +22,10 @@ void keepStandardStreamsTaken() {
 
 int main(int argc, char** argv) {
     keepStandardStreamsTaken();
+    std::signal(SIGCHLD, SIG_DFL); // a caller that ignores it leaves that to us, and no tool its status
     std::signal(SIGPIPE, SIG_IGN); // who stops reading our output gets no more of it; that is no fault
     korvanti::Platform::raiseOpenFileLimit();
+    korvanti::Toolchain::restrainGit();
 
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     if (korvanti::TerminalFace::isChosen(arguments))

@@ -2,50 +2,30 @@
 
 #include "analysis/DiskInspector.h"
 #include "fs/PathTools.h"
+#include "process/SideBySide.h"
 #include "process/Toolchain.h"
+#include "providers/AndroidSDKProvider.h"
 #include "providers/CatalogProvider.h"
+#include "providers/CodexSessionProvider.h"
+#include "providers/DeviceSupportProvider.h"
+#include "providers/EditorExtensionProvider.h"
+#include "providers/GenericCacheProvider.h"
+#include "providers/GradleProvider.h"
+#include "providers/InstalledAppsProvider.h"
+#include "providers/OrphanedContainerProvider.h"
+#include "providers/PersonalFilesProvider.h"
+#include "providers/ProjectArtifactProvider.h"
+#include "providers/SimulatorProvider.h"
+#include "providers/SystemProvider.h"
+#include "providers/ToolchainProvider.h"
 
 #include <algorithm>
-#include <condition_variable>
 #include <functional>
 #include <iterator>
 #include <mutex>
-#include <thread>
 
 namespace korvanti {
 namespace {
-
-/// Runs each provider on a thread of its own and calls `finished(provider, items)` on this thread, in the
-/// order in which they end.
-template <class Finished>
-void runSideBySide(const Scanner::Providers& providers, const ScanContext& context, Finished finished) {
-    struct Result {
-        const ItemProvider* provider;
-        std::vector<CleanupItem> items;
-    };
-    std::mutex mutex;
-    std::condition_variable arrived;
-    std::vector<Result> results;
-
-    std::vector<std::thread> threads;
-    for (const auto& provider : providers) {
-        threads.emplace_back([&, provider = provider.get(), own = context] {
-            auto items = provider->items(own);
-            const std::scoped_lock lock(mutex);
-            results.push_back({provider, std::move(items)});
-            arrived.notify_one();
-        });
-    }
-    for (std::size_t collected = 0; collected < providers.size(); ++collected) {
-        std::unique_lock lock(mutex);
-        arrived.wait(lock, [&] { return results.size() > collected; });
-        auto result = std::move(results[collected]);
-        lock.unlock();
-        finished(*result.provider, std::move(result.items));
-    }
-    for (auto& thread : threads)
-        thread.join();
-}
 
 std::vector<std::string> allPaths(const CleanupItem& item) {
     std::vector<std::string> paths = {item.path};
@@ -74,21 +54,40 @@ std::vector<std::string> notes(const DiskSnapshot& disk) {
 
 Scanner::Providers Scanner::defaultProviders() {
     Providers providers;
+    providers.push_back(std::make_unique<SimulatorProvider>());
+    providers.push_back(std::make_unique<DeviceSupportProvider>());
+    providers.push_back(std::make_unique<GradleProvider>());
+    providers.push_back(std::make_unique<AndroidSDKProvider>());
+    providers.push_back(std::make_unique<ToolchainProvider>());
+    providers.push_back(std::make_unique<EditorExtensionProvider>());
+    providers.push_back(std::make_unique<CodexSessionProvider>());
+    providers.push_back(std::make_unique<ProjectArtifactProvider>());
     providers.push_back(std::make_unique<CatalogProvider>(Catalog::rules()));
+    providers.push_back(std::make_unique<PersonalFilesProvider>());
+    providers.push_back(std::make_unique<InstalledAppsProvider>());
+    providers.push_back(std::make_unique<OrphanedContainerProvider>());
+    providers.push_back(std::make_unique<GenericCacheProvider>());
+    providers.push_back(std::make_unique<SystemProvider>());
     return providers;
 }
 
 ScanReport Scanner::run(const Providers& providers, const Progress& progress) const {
     const auto startedAt = currentInstant();
     progress("Mengindeks proyek…");
+    constexpr int deepest = 6; // folders below a project root
+    const auto devRoots = settings.resolvedDevRoots(home);
     const ScanContext context = {.home = home,
-                                 .devRoots = settings.resolvedDevRoots(home),
+                                 .devRoots = devRoots,
                                  .inactiveDays = settings.inactiveDays,
                                  .now = startedAt,
-                                 .projects = {}};
+                                 .projects = ProjectIndex::build(devRoots, deepest)};
 
+    std::mutex mutex;
     std::vector<Found> found;
-    runSideBySide(providers, context, [&](const ItemProvider& provider, std::vector<CleanupItem> items) {
+    runSideBySide(providers.size(), providers.size(), [&](std::size_t place) {
+        const auto& provider = *providers[place];
+        auto items = provider.items(context);
+        const std::scoped_lock lock(mutex);
         progress("Selesai: " + provider.name());
         found.emplace_back(provider.priority(), std::move(items));
     });

@@ -15,7 +15,7 @@ namespace korvanti {
 /// The driver of one scan. Reads only; keeps no state between runs.
 struct Scanner {
     using Providers = std::vector<std::unique_ptr<ItemProvider>>;
-    /// Takes a text for the user. Called on the thread of `run`, one call at a time.
+    /// Takes a text for the user. One call at a time, from any thread.
     using Progress = std::function<void(const std::string&)>;
     /// What one provider found, with its priority.
     using Found = std::pair<int, std::vector<CleanupItem>>;
@@ -26,8 +26,7 @@ struct Scanner {
     /// All sources of items, freshly made.
     [[nodiscard]] static Providers defaultProviders();
 
-    /// Runs all providers side by side, one thread each, and merges what they found. Blocks until the last
-    /// has ended.
+    /// Runs all providers at the same time and merges what they found. Blocks until the last has ended.
     [[nodiscard]] ScanReport run(const Providers& providers, const Progress& progress) const;
 
     /// Drops what would count twice: the higher priority wins, then the larger item, then the earlier one.

@@ -1,10 +1,25 @@
 #include "EndToEnd.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
 #include <iterator>
+#include <map>
+#include <sys/stat.h>
 #include <utility>
 
 namespace korvanti::testing {
+namespace {
+
+std::size_t hashOf(const std::filesystem::path& file) {
+    std::string contents(std::filesystem::file_size(file), '\0');
+    std::ifstream(file, std::ios::binary)
+        .read(contents.data(), static_cast<std::streamsize>(contents.size()));
+    return std::hash<std::string>()(contents);
+}
+
+} // namespace
 
 ProgramOptions EndToEnd::with(const std::string& variable, std::optional<std::string> value) {
     return {.environment = {{variable, std::move(value)}}};
@@ -43,6 +58,28 @@ std::vector<std::string> sectionOf(const std::string& output, std::string_view h
     const auto first =
         std::ranges::find_if(lines, [&](const std::string& line) { return line.starts_with(heading); });
     return {first, std::find(first, lines.end(), "")};
+}
+
+std::set<std::string> picture(const std::string& folder) {
+    std::set<std::string> all;
+    std::map<ino_t, std::size_t> hashes; // many names of few files
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        struct stat status {};
+        EXPECT_EQ(::lstat(entry.path().c_str(), &status), 0);
+        if (entry.is_regular_file() && !hashes.contains(status.st_ino))
+            hashes[status.st_ino] = hashOf(entry.path());
+        std::string line = entry.path();
+        if (entry.is_symlink())
+            line += " -> " + std::filesystem::read_symlink(entry.path()).string();
+        for (const auto number :
+             {static_cast<std::int64_t>(status.st_mode), static_cast<std::int64_t>(status.st_uid),
+              static_cast<std::int64_t>(status.st_size), static_cast<std::int64_t>(status.st_ino),
+              static_cast<std::int64_t>(status.st_mtim.tv_sec),
+              static_cast<std::int64_t>(status.st_mtim.tv_nsec), static_cast<std::int64_t>(status.st_nlink)})
+            line += " " + std::to_string(number);
+        all.insert(line + " " + std::to_string(hashes[status.st_ino]));
+    }
+    return all;
 }
 
 } // namespace korvanti::testing

@@ -4,6 +4,7 @@
 #include "support/RunProgram.h"
 
 #include <gtest/gtest.h>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,5 +34,8 @@ protected:
 /// The lines between the one that starts with `heading` and the next empty one, the heading included. Empty
 /// when there is no such line.
 [[nodiscard]] std::vector<std::string> sectionOf(const std::string& output, std::string_view heading);
+
+/// Everything in a folder: kind, rights, owner, length, date, inode, and what it holds.
+[[nodiscard]] std::set<std::string> picture(const std::string& folder);
 
 } // namespace korvanti::testing

@@ -1,10 +1,9 @@
 #include "EndToEnd.h"
+#include "support/Mount.h"
 
-#include <cerrno>
-#include <cstring>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
-#include <sys/mount.h>
+#include <optional>
 
 namespace korvanti::testing {
 namespace {
@@ -16,15 +15,12 @@ class EndToEndMountTests : public EndToEnd {
 protected:
     void SetUp() override {
         occupy("Library/Developer/Xcode/DerivedData", 21'000'000);
-        point_ = mac.home.folder("Library/Developer/Xcode/DerivedData/volume");
-        if (::mount("box", point_.c_str(), "tmpfs", 0, nullptr) != 0)
-            FAIL() << "mount: " << std::strerror(errno);
+        volume_.emplace(mac.home.folder("Library/Developer/Xcode/DerivedData/volume"));
         occupy("Library/Developer/Xcode/DerivedData/volume", 50'000'000);
     }
-    void TearDown() override { ::umount2(point_.c_str(), MNT_DETACH); }
 
 private:
-    std::string point_;
+    std::optional<Mount> volume_;
 };
 
 TEST_F(EndToEndMountTests, warnsOfAVolumeInsideALocationAndDoesNotCountIt) {

@@ -1,5 +1,6 @@
 #include "EndToEnd.h"
 
+#include "support/Git.h"
 #include "support/TempFolder.h"
 
 #include <algorithm>
@@ -7,13 +8,12 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <regex>
-#include <set>
-#include <sys/stat.h>
 
 namespace korvanti::testing {
 namespace {
 
 using ::testing::Contains;
+using ::testing::ContainsRegex;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -59,19 +59,6 @@ void expectSortedKeys(const nlohmann::ordered_json& value) {
     }
 }
 
-/// Path, kind, length and modification time of everything in a folder.
-std::set<std::string> picture(const std::filesystem::path& folder) {
-    std::set<std::string> all;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-        struct stat status {};
-        EXPECT_EQ(::lstat(entry.path().c_str(), &status), 0);
-        all.insert(entry.path().string() + " " + std::to_string(status.st_mode) + " " +
-                   std::to_string(status.st_size) + " " + std::to_string(status.st_mtim.tv_sec) + "." +
-                   std::to_string(status.st_mtim.tv_nsec));
-    }
-    return all;
-}
-
 // The start-up decision
 
 TEST_F(EndToEndTests, printsTheUsageText) {
@@ -113,6 +100,13 @@ TEST_F(EndToEndTests, passesAnUnknownArgumentBy) {
 }
 
 // The report
+
+TEST_F(EndToEndTests, tellsTheDrivesHealth) {
+    mac.answer("diskutil info -plist /", textOf(KORVANTI_TEST_DATA "/diskutil-info-root.plist"));
+
+    EXPECT_THAT(korvanti({"--report"}).out,
+                ContainsRegex("\nKesehatan SSD: aus 3% · total ditulis 32 TB · swap [0-9.]+ [a-zA-Z]+\n"));
+}
 
 TEST_F(EndToEndTests, laysTheReportOut) {
     occupy("Library/Developer/Xcode/Archives", 20'500'000);
@@ -516,6 +510,40 @@ TEST_F(EndToEndTests, findsTheHomeWithoutTheVariable) {
                 Contains("      ~/.gradle/daemon"));
 }
 
+// Repositories of others
+
+TEST_F(EndToEndTests, runsNothingThatARepositorysOwnSettingsName) {
+    const auto repository = mac.home.folder("Developer/foreign");
+    mac.home.file("Developer/foreign/.gitignore", {.text = "node_modules/\n"});
+    mac.home.file("Developer/foreign/package.json");
+    mac.home.file("Developer/foreign/node_modules/data", {.allocatedBytes = 20'000'768});
+    const auto program = mac.home.file("program", {.text = "#!/bin/sh\ntouch /Users/tester/it-ran\n"});
+    mac.home.setMode("program", 0755);
+    for (const std::vector<std::string>& step : {std::vector<std::string>{"init", "-q"},
+                                                 {"add", "."},
+                                                 {"commit", "-qm", "All"},
+                                                 {"config", "core.fsmonitor", program},
+                                                 {"config", "log.showSignature", "true"},
+                                                 {"config", "gpg.program", program}})
+        git(repository, step);
+
+    const auto report = korvanti({"--all"}).out;
+
+    EXPECT_THAT(report, HasSubstr("~/Developer/foreign/node_modules"));
+    EXPECT_FALSE(std::filesystem::exists("/Users/tester/it-ran"));
+}
+
+TEST_F(EndToEndTests, aSettingOfGitInItsOwnSurroundingsDoesNotMisleadIt) {
+    mac.home.folder("Developer/app");
+    mac.home.file("Developer/app/.gitignore", {.text = "node_modules/\n"});
+    mac.home.file("Developer/app/package.json");
+    mac.home.file("Developer/app/node_modules/data", {.allocatedBytes = 20'000'768});
+    git(mac.home.path("Developer/app"), {"init", "-q"});
+
+    EXPECT_THAT(korvanti({"--all"}, with("GIT_DIR", "/nowhere")).out,
+                HasSubstr("~/Developer/app/node_modules"));
+}
+
 // Standard output
 
 TEST_F(EndToEndTests, endsWellWhenNobodyReadsOn) {
@@ -538,6 +566,19 @@ TEST_F(EndToEndTests, worksWithItsStandardStreamsClosed) {
         EXPECT_EQ(result.out.contains("Cache npm"), !streams.contains(" >") && !streams.starts_with('>'))
             << streams;
     }
+}
+
+TEST_F(EndToEndTests, hearsWhatToolsSayWhereItsCallerIgnoresTheEndOfChildren) {
+    mac.home.folder("Developer/app");
+    mac.home.file("Developer/app/.gitignore", {.text = "node_modules/\n"});
+    mac.home.file("Developer/app/package.json");
+    mac.home.file("Developer/app/node_modules/data", {.allocatedBytes = 20'000'768});
+    ASSERT_EQ(runProgram({"git", "-C", mac.home.path("Developer/app"), "init", "-q"}).status, 0);
+
+    EXPECT_THAT(runProgram({"sh", "-c", "trap '' CHLD; exec \"$0\" --all", KORVANTI_EXECUTABLE},
+                           {.environment = {{"HOME", "/Users/tester"}}})
+                    .out,
+                HasSubstr("~/Developer/app/node_modules"));
 }
 
 TEST_F(EndToEndTests, saysNothingAboutAReaderThatWent) {

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <functional>
 #include <mutex>
+#include <pthread.h>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -355,6 +356,26 @@ TEST_F(ScannerTests, allProvidersRunAtTheSameTime) {
     EXPECT_EQ(met, count);
 }
 
+#ifdef __GLIBC__ // where a test can take the threads away
+TEST_F(ScannerTests, withoutThreadsTheProvidersRunOneAfterTheOther) {
+    for (int index = 0; index < 3; ++index) {
+        const auto path = "/" + std::to_string(index);
+        add(index, "P", [path](const ScanContext&) { return Items{item(path, 1)}; });
+    }
+    pthread_attr_t usual;
+    pthread_attr_t impossible;
+    ASSERT_EQ(::pthread_getattr_default_np(&usual), 0);
+    ASSERT_EQ(::pthread_getattr_default_np(&impossible), 0);
+    ASSERT_EQ(::pthread_attr_setstacksize(&impossible, std::size_t{1} << 60), 0);
+    ASSERT_EQ(::pthread_setattr_default_np(&impossible), 0);
+
+    const ScanReport report = run();
+
+    EXPECT_EQ(::pthread_setattr_default_np(&usual), 0);
+    EXPECT_EQ(pathsOf(report.items), (Paths{"/2", "/1", "/0"}));
+}
+#endif
+
 TEST_F(ScannerTests, providersAreToldInTheOrderInWhichTheyFinish) {
     std::atomic<bool> waited = true;
     const auto after = [&](std::string line) {
@@ -487,21 +508,24 @@ TEST_F(ScannerTests, aScanWritesNothing) {
 }
 
 TEST_F(ScannerTests, theSourcesOfItemsHaveTheirPrioritiesAndTheirOrder) {
-    const std::vector<std::pair<std::string, int>> table = {
-        {"Simulator", 100},    {"Device Support", 95}, {"Gradle", 90},
-        {"Android SDK", 90},   {"Toolchain", 85},      {"Ekstensi editor", 80},
-        {"Riwayat Codex", 80}, {"Artefak proyek", 70}, {"Katalog lokasi dikenal", 50},
-        {"File pribadi", 40},  {"Aplikasi", 60},       {"Sisa app", 30},
-        {"Cache app", 20},     {"Sistem", 10}};
-    auto place = table.begin();
-    bool catalog = false;
-    for (const auto& provider : Scanner::defaultProviders()) {
-        place = std::find(place, table.end(), std::pair(provider->name(), provider->priority()));
-        ASSERT_NE(place, table.end()) << provider->name() << " " << provider->priority();
-        catalog = catalog || provider->name() == "Katalog lokasi dikenal";
-        ++place;
-    }
-    EXPECT_TRUE(catalog);
+    std::vector<std::pair<std::string, int>> sources;
+    for (const auto& provider : Scanner::defaultProviders())
+        sources.emplace_back(provider->name(), provider->priority());
+
+    EXPECT_EQ(sources, (std::vector<std::pair<std::string, int>>{{"Simulator", 100},
+                                                                 {"Device Support", 95},
+                                                                 {"Gradle", 90},
+                                                                 {"Android SDK", 90},
+                                                                 {"Toolchain", 85},
+                                                                 {"Ekstensi editor", 80},
+                                                                 {"Riwayat Codex", 80},
+                                                                 {"Artefak proyek", 70},
+                                                                 {"Katalog lokasi dikenal", 50},
+                                                                 {"File pribadi", 40},
+                                                                 {"Aplikasi", 60},
+                                                                 {"Sisa app", 30},
+                                                                 {"Cache app", 20},
+                                                                 {"Sistem", 10}}));
 }
 
 TEST_F(ScannerTests, theCatalogAmongTheSourcesKnowsItsRows) {
