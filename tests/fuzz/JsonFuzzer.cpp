@@ -1,18 +1,11 @@
+#include "Require.h"
 #include "base/Json.h"
 
 #include "base/Text.h"
 
-#include <cstdlib>
-#include <string_view>
-
 using namespace korvanti;
 
 namespace {
-
-void require(bool isTrue) {
-    if (!isTrue)
-        std::abort();
-}
 
 /// Equal with the keys of all objects in any order.
 bool equal(const Json& one, const Json& other) {
@@ -32,7 +25,7 @@ void readsEveryField(const Json& value) {
 
 /// Whatever is read can be written, and reads back as the same value.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto value = parseJson({reinterpret_cast<const char*>(data), size});
+    const auto value = parseJson(textOf(data, size));
     if (!value)
         return 0;
 

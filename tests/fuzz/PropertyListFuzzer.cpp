@@ -1,18 +1,10 @@
+#include "Require.h"
 #include "base/PropertyList.h"
 #include "base/Text.h"
-
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using korvanti::PropertyList;
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 void requireText(const std::string& text) {
     require(korvanti::Text::repaired(text) == text);
@@ -41,8 +33,7 @@ std::size_t requireSound(const PropertyList& value, std::size_t depth) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-    if (const auto list = PropertyList::parse(bytes))
+    if (const auto list = PropertyList::parse(textOf(data, size)))
         require(requireSound(*list, 0) <= 1'000'000);
     return 0;
 }

@@ -1,11 +1,8 @@
+#include "Require.h"
 #include "scan/ReportJson.h"
 #include "settings/KorvantiSettings.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <expected>
-#include <string_view>
 
 namespace {
 
@@ -17,15 +14,14 @@ template <class Read> void checkRoundTrip(const korvanti::Json& json, Read read)
     const auto written = korvanti::compactJson(toJson(*record));
     const auto parsed = korvanti::parseJson(written);
     const auto again = parsed ? read(*parsed) : std::unexpected(parsed.error());
-    if (!again || korvanti::compactJson(toJson(*again)) != written)
-        std::abort();
+    require(again && korvanti::compactJson(toJson(*again)) == written);
 }
 
 } // namespace
 
 /// The readers of the report and of the settings file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto json = korvanti::parseJson({reinterpret_cast<const char*>(data), size});
+    const auto json = korvanti::parseJson(textOf(data, size));
     if (!json)
         return 0;
     checkRoundTrip(*json, korvanti::cleanupItemFromJson);
