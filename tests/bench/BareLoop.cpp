@@ -63,7 +63,7 @@ struct Job {
 
 class WorkList {
 public:
-    explicit WorkList(Job root) { jobs_.push_back(std::move(root)); }
+    explicit WorkList(std::vector<Job> roots) : jobs_(std::move(roots)) {}
 
     /// Takes all of `more`; wakes the other thread if it waits.
     void give(std::vector<Job>& more) {
@@ -218,13 +218,17 @@ void work(WorkList& list, Sums& total, std::mutex& totalMutex) {
     total.add(sums);
 }
 
-Sums walk(const char* path) {
+Sums walk(char** paths, int count) {
     Sums total;
-    struct stat status;
-    if (::lstat(path, &status) == 0)
-        total.folderBytes = std::int64_t{status.st_blocks} * 512;
+    std::vector<Job> roots;
+    for (int index = 0; index < count; ++index) {
+        struct stat status;
+        if (::lstat(paths[index], &status) == 0)
+            total.folderBytes += std::int64_t{status.st_blocks} * 512;
+        roots.push_back({nullptr, paths[index]});
+    }
     std::mutex totalMutex;
-    WorkList list({nullptr, path});
+    WorkList list(std::move(roots));
     std::thread second([&] { work(list, total, totalMutex); });
     work(list, total, totalMutex);
     second.join();
@@ -234,13 +238,13 @@ Sums walk(const char* path) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fputs("usage: korvanti_bare_loop FOLDER TIMES\n", stderr);
+    if (argc < 3) {
+        std::fputs("usage: korvanti_bare_loop TIMES FOLDER…\n", stderr);
         return 2;
     }
     Sums sums;
-    for (long left = std::strtol(argv[2], nullptr, 10); left > 0; --left)
-        sums = walk(argv[1]);
+    for (long left = std::strtol(argv[1], nullptr, 10); left > 0; --left)
+        sums = walk(argv + 2, argc - 2);
     std::printf(
         "bytes %lld\nlogicalBytes %lld\nfiles %lld\nunreadable %lld\nfolders %lld\nfolderBytes %lld\n",
         static_cast<long long>(sums.bytes), static_cast<long long>(sums.logicalBytes),

@@ -1,6 +1,7 @@
 // Sets SizeCalculator beside other programs and prints what came out beside what is wanted. All programs of a
 // table take turns within one run, so that whatever else the machine does hits them alike.
 
+#include "HomeMaker.h"
 #include "Machine.h"
 #include "ProgramRun.h"
 #include "TreeMaker.h"
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fmt/format.h>
+#include <fstream>
 #include <functional>
 #include <optional>
 #include <string>
@@ -47,7 +49,7 @@ Contender measureTree() {
 Contender bareLoop() {
     return {"bare loop",
             [](const std::string& tree, int times) {
-                return Command{{KORVANTI_BARE_LOOP, tree, std::to_string(times)}, {}};
+                return Command{{KORVANTI_BARE_LOOP, std::to_string(times), tree}, {}};
             },
             true};
 }
@@ -187,7 +189,7 @@ public:
 
         const bool done = (!chosen("warm") || warm()) && (!chosen("cold") || cold()) &&
                           (!chosen("shapes") || shapes()) && (!chosen("growth") || growth()) &&
-                          (!chosen("start") || start());
+                          (!chosen("start") || start()) && (!chosen("scan") || scan());
         return done && verdicts_.summary() ? 0 : 1;
     }
 
@@ -412,6 +414,77 @@ private:
         return true;
     }
 
+    bool scan() {
+        const HomePlan plan{scaled(1'000'000), 200};
+        fmt::print("\nWhole scan of a developer's home: {} files, {} repositories\n", grouped(plan.files),
+                   plan.repositories);
+        std::fflush(stdout);
+        if (arguments_.korvanti.empty()) {
+            fmt::print("  korvanti is not built here\n");
+            return true;
+        }
+        const auto home = makeHome(trees_, plan);
+        if (!home) {
+            fmt::print(stderr, "{}\n", home.error());
+            return false;
+        }
+        const Contender korvanti{"korvanti --json", [&](const std::string&, int) {
+                                     return Command{{arguments_.korvanti, "--json"}, {"HOME=" + home->path}};
+                                 }};
+        const auto over = [&](const std::string& name, std::vector<std::string> words) {
+            words.insert(words.end(), home->measured.begin(), home->measured.end());
+            return Contender{name, [words](const std::string&, int) { return Command{words, {}}; }};
+        };
+        const std::vector<Contender> contenders = {korvanti, over("bare loop", {KORVANTI_BARE_LOOP, "1"}),
+                                                   over("du -s", {"du", "-s"})};
+        if (!bench::run(contenders[1].command({}, 1))) // warms the cache
+            return false;
+        const auto all = takeTurns(contenders, {}, runs_, 1);
+        if (!all)
+            return false;
+        printSeries(*all);
+        const double ours = (*all)[0].time();
+        verdicts_.atMost("scan: time of the bare loop", ours / (*all)[1].time(), 1.5);
+        verdicts_.atLeast("scan: faster than du -s", (*all)[2].time() / ours, 1);
+        const auto memory = (*all)[0].peakMemory;
+        verdicts_.print("scan: peak memory", megabytes(memory), "< 80 MB", memory < 80'000'000);
+        return visits(*home);
+    }
+
+    /// How often the scan opens each of the folders that it measures.
+    bool visits(const BenchHome& home) {
+#ifndef __APPLE__
+        const std::string log = trees_ + "/visits";
+        if (!bench::run(
+                {{arguments_.korvanti, "--json"},
+                 {"HOME=" + home.path, "LD_PRELOAD=" KORVANTI_FOLDER_VISITS, "KORVANTI_VISITS=" + log}}))
+            return false;
+        std::int64_t folders = 0;
+        std::int64_t opened = 0;
+        std::int64_t most = 0;
+        std::string mostVisited;
+        std::ifstream lines(log);
+        std::int64_t count = 0;
+        for (std::string path; lines >> count && std::getline(lines >> std::ws, path);) {
+            const bool measured = std::ranges::any_of(
+                home.measured, [&](const std::string& root) { return (path + "/").starts_with(root + "/"); });
+            if (!measured)
+                continue;
+            ++folders;
+            opened += count;
+            if (count > most) {
+                most = count;
+                mostVisited = path;
+            }
+        }
+        fmt::print("  measured folders {}, opened {} times: {:.3f} visits a folder; most: {} of {}\n",
+                   grouped(folders), grouped(opened),
+                   static_cast<double>(opened) / static_cast<double>(std::max<std::int64_t>(folders, 1)),
+                   most, mostVisited);
+#endif
+        return true;
+    }
+
     Arguments arguments_;
     std::string trees_;
     int runs_;
@@ -420,7 +493,7 @@ private:
 
 constexpr std::string_view usage =
     "usage: korvanti_bench [--quick] [--runs N] [--trees FOLDER] [--korvanti PROGRAM]\n"
-    "                      [--only warm|cold|shapes|growth|start]\n"
+    "                      [--only warm|cold|shapes|growth|start|scan]\n"
     "  --quick   trees of a tenth of the size, three runs\n"
     "  --trees   where the trees are kept from one run to the next (3 GB)\n";
 
@@ -440,7 +513,7 @@ std::optional<Arguments> parse(const std::vector<std::string>& words) {
         } else if (word == "--korvanti") {
             arguments.korvanti = value;
         } else if (word == "--only") {
-            constexpr std::string_view sections[] = {"warm", "cold", "shapes", "growth", "start"};
+            constexpr std::string_view sections[] = {"warm", "cold", "shapes", "growth", "start", "scan"};
             if (std::ranges::find(sections, value) == std::end(sections))
                 return std::nullopt;
             arguments.only = value;
