@@ -286,22 +286,22 @@ TEST_F(ProjectArtifactProviderTests, aSecretIsNotShownAtAnySize) {
 // Large unknown folders
 
 TEST_F(ProjectArtifactProviderTests, aLargeUnknownFolderIsShownByItsSubfolders) {
-    repository("repo", "/work/\n", instantFromSeconds(now));
-    home.file("repo/work/big/data", {.allocatedBytes = 1500 * MB, .modified = now - 40 * day});
-    home.file("repo/work/small/data", {.allocatedBytes = 10 * MB});
-    home.file("repo/work/data", {.allocatedBytes = 490 * MB});
-    home.setModified("repo/work/big", now - 50 * day);
+    repository("repo", "/results/\n", instantFromSeconds(now));
+    home.file("repo/results/big/data", {.allocatedBytes = 1500 * MB, .modified = now - 40 * day});
+    home.file("repo/results/small/data", {.allocatedBytes = 10 * MB});
+    home.file("repo/results/data", {.allocatedBytes = 490 * MB});
+    home.setModified("repo/results/big", now - 50 * day);
 
     EXPECT_THAT(
         items(),
         ElementsAre(CleanupItem{
-            .title = "work/big",
+            .title = "results/big",
             .detail =
                 "Folder di luar kode sumber (diabaikan git). Bisa berisi hasil kerja seperti screenshot, "
                 "rekaman, atau rilis — periksa dulu atau pindahkan ke SSD.\n" +
-                home.path("repo/work/big"),
-            .path = home.path("repo/work/big"),
-            .bytes = testing::blocksOf(home.path("repo/work/big/data")),
+                home.path("repo/results/big"),
+            .path = home.path("repo/results/big"),
+            .bytes = testing::blocksOf(home.path("repo/results/big/data")),
             .category = ItemCategory::projects,
             .safety = Safety::review,
             .action = CleanupAction::trash(),
@@ -313,63 +313,63 @@ TEST_F(ProjectArtifactProviderTests, aLargeUnknownFolderIsShownByItsSubfolders) 
 }
 
 TEST_F(ProjectArtifactProviderTests, anUnknownFolderIsBrokenUpFromAGigabyte) {
-    repository("repo", "/work/\n");
-    const auto one = home.file("repo/work/one/data", {.allocatedBytes = 990 * MB});
-    fill("repo/work/two", below(1000 * MB) - testing::blocksOf(one));
-    EXPECT_THAT(titles(items()), ElementsAre("Folder diabaikan git: work"));
+    repository("repo", "/results/\n");
+    const auto one = home.file("repo/results/one/data", {.allocatedBytes = 990 * MB});
+    fill("repo/results/two", below(1000 * MB) - testing::blocksOf(one));
+    EXPECT_THAT(titles(items()), ElementsAre("Folder diabaikan git: results"));
 
-    fill("repo/work/two", atLeast(1000 * MB) - testing::blocksOf(one));
-    EXPECT_THAT(titles(items()), ElementsAre("work/one"));
+    fill("repo/results/two", atLeast(1000 * MB) - testing::blocksOf(one));
+    EXPECT_THAT(titles(items()), ElementsAre("results/one"));
 }
 
 TEST_F(ProjectArtifactProviderTests, aSubfolderIsShownFrom20MB) {
-    repository("repo", "/work/\n");
-    home.file("repo/work/data", {.allocatedBytes = 1000 * MB});
-    fill("repo/work/enough", atLeast(20 * MB));
-    fill("repo/work/little", below(20 * MB));
+    repository("repo", "/results/\n");
+    home.file("repo/results/data", {.allocatedBytes = 1000 * MB});
+    fill("repo/results/enough", atLeast(20 * MB));
+    fill("repo/results/little", below(20 * MB));
 
-    EXPECT_THAT(titles(items()), ElementsAre("work/enough"));
+    EXPECT_THAT(titles(items()), ElementsAre("results/enough"));
 }
 
 TEST_F(ProjectArtifactProviderTests, aLargeUnknownFolderWithOneSubfolderIsShownAsAWhole) {
-    repository("repo", "/work/\n");
-    home.file("repo/work/one/data", {.allocatedBytes = 2000 * MB});
-    home.file("repo/work/file");
-    home.symlink("repo/work/link", home.path());
+    repository("repo", "/results/\n");
+    home.file("repo/results/one/data", {.allocatedBytes = 2000 * MB});
+    home.file("repo/results/file");
+    home.symlink("repo/results/link", home.path());
 
-    EXPECT_THAT(items(), ElementsAre(::testing::Field(&CleanupItem::path, home.path("repo/work"))));
+    EXPECT_THAT(items(), ElementsAre(::testing::Field(&CleanupItem::path, home.path("repo/results"))));
 }
 
 TEST_F(ProjectArtifactProviderTests, aLargeUnknownFolderIsBrokenUpOnce) {
-    repository("repo", "/work/\n");
-    home.file("repo/work/one/a/data", {.allocatedBytes = 600 * MB});
-    home.file("repo/work/one/b/data", {.allocatedBytes = 600 * MB});
-    home.file("repo/work/two/data", {.allocatedBytes = 30 * MB});
+    repository("repo", "/results/\n");
+    home.file("repo/results/one/a/data", {.allocatedBytes = 600 * MB});
+    home.file("repo/results/one/b/data", {.allocatedBytes = 600 * MB});
+    home.file("repo/results/two/data", {.allocatedBytes = 30 * MB});
 
-    EXPECT_THAT(titles(items()), UnorderedElementsAre("work/one", "work/two"));
+    EXPECT_THAT(titles(items()), UnorderedElementsAre("results/one", "results/two"));
 }
 
 TEST_F(ProjectArtifactProviderTests, secretsInALargeUnknownFolderAreLeftAlone) {
-    repository("repo", "/work/\n");
-    home.file("repo/work/data", {.allocatedBytes = 1000 * MB});
+    repository("repo", "/results/\n");
+    home.file("repo/results/data", {.allocatedBytes = 1000 * MB});
     std::vector<std::string> secrets = {".env", ".env.d", ".ENVIRONMENT"};
     for (const auto& name : testing::protectedNames)
         secrets.insert(secrets.end(), {name, testing::upper(name)});
     for (const auto& word : testing::protectedWords)
         secrets.push_back("Old " + testing::upper(word) + "s");
     for (const auto& name : secrets)
-        home.file("repo/work/" + name + "/data", {.allocatedBytes = atLeast(20 * MB)});
-    home.file("repo/work/frames/data", {.allocatedBytes = atLeast(20 * MB)});
+        home.file("repo/results/" + name + "/data", {.allocatedBytes = atLeast(20 * MB)});
+    home.file("repo/results/frames/data", {.allocatedBytes = atLeast(20 * MB)});
 
-    EXPECT_THAT(titles(items()), ElementsAre("work/frames"));
+    EXPECT_THAT(titles(items()), ElementsAre("results/frames"));
 }
 
 TEST_F(ProjectArtifactProviderTests, aLargeUnknownFolderOfOneFolderAndASecretIsNotShownAsAWhole) {
-    repository("repo", "/work/\n");
-    home.file("repo/work/frames/data", {.allocatedBytes = 1000 * MB});
-    home.file("repo/work/secrets/data", {.allocatedBytes = 30 * MB});
+    repository("repo", "/results/\n");
+    home.file("repo/results/frames/data", {.allocatedBytes = 1000 * MB});
+    home.file("repo/results/secrets/data", {.allocatedBytes = 30 * MB});
 
-    EXPECT_THAT(titles(items()), ElementsAre("work/frames"));
+    EXPECT_THAT(titles(items()), ElementsAre("results/frames"));
 }
 
 TEST_F(ProjectArtifactProviderTests, partsOfALargeArchiveFolderKeepItsWarning) {
