@@ -12,7 +12,7 @@ packages_for() {
   local debian brew
   case $1 in
     build)
-      debian="g++ cmake ninja-build libicu-dev libtbb-dev nlohmann-json3-dev libfmt-dev"
+      debian="g++ cmake ninja-build libicu-dev libtbb-dev nlohmann-json3-dev libfmt-dev uuid-dev"
       brew="cmake ninja icu4c tbb nlohmann-json fmt" ;;
     test)
       debian="libgtest-dev libgmock-dev util-linux locales git procps"
