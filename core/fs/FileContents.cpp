@@ -1,6 +1,7 @@
 #include "fs/FileContents.h"
 
 #include "base/FileDescriptor.h"
+#include "base/SystemCall.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -16,14 +17,6 @@ namespace {
 
 std::error_code lastError() {
     return {errno, std::generic_category()};
-}
-
-/// Repeats a call that a signal interrupted.
-template <class Call> auto uninterrupted(Call call) {
-    auto result = call();
-    while (result < 0 && errno == EINTR)
-        result = call();
-    return result;
 }
 
 bool writeAll(int file, std::string_view bytes) {
@@ -47,10 +40,13 @@ bool flush(int file) {
 
 /// Open, with its length; no descriptor where it can't be read or is no regular file.
 struct RegularFile {
-    explicit RegularFile(const std::string& path)
-        : descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {
+    /// A relative path starts from the open folder `at`.
+    explicit RegularFile(const std::string& path, int at = AT_FDCWD)
+        : descriptor(uninterrupted(
+              [&] { return ::openat(at, path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); })) {
         struct stat status {};
-        if (::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode))
+        if (uninterrupted([&] { return ::fstat(descriptor.get(), &status); }) != 0 ||
+            !S_ISREG(status.st_mode))
             descriptor.reset();
         length = status.st_size;
     }
@@ -76,19 +72,31 @@ std::optional<std::string> readUpTo(std::int64_t limit, int file) {
     }
 }
 
-} // namespace
-
-std::optional<std::string> read(const std::string& path, std::int64_t limit) {
-    const RegularFile file(path);
+/// The whole of it.
+std::optional<std::string> read(const RegularFile& file, std::int64_t limit) {
     if (!file.descriptor || file.length > limit)
         return std::nullopt;
     auto bytes = readUpTo(limit + 1, file.descriptor.get()); // it may grow meanwhile
     return bytes && static_cast<std::int64_t>(bytes->size()) <= limit ? bytes : std::nullopt;
 }
 
-std::optional<PropertyList> readPropertyList(const std::string& path) {
-    const auto bytes = read(path);
+std::optional<PropertyList> propertyListIn(const RegularFile& file) {
+    const auto bytes = read(file, defaultLimit);
     return bytes ? PropertyList::parse(*bytes) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::string> read(const std::string& path, std::int64_t limit) {
+    return read(RegularFile(path), limit);
+}
+
+std::optional<PropertyList> readPropertyList(const std::string& path) {
+    return propertyListIn(RegularFile(path));
+}
+
+std::optional<PropertyList> readPropertyList(int folder, const std::string& relative) {
+    return propertyListIn(RegularFile(relative, folder));
 }
 
 std::optional<std::string> readStart(const std::string& path, std::int64_t limit) {

@@ -21,6 +21,8 @@ inline constexpr std::int64_t defaultLimit = 64 * 1024 * 1024;
 
 /// The property list in a file; absent when `read` gives none or it is damaged.
 [[nodiscard]] std::optional<PropertyList> readPropertyList(const std::string& path);
+/// The same by a path that starts from an open folder.
+[[nodiscard]] std::optional<PropertyList> readPropertyList(int folder, const std::string& relative);
 
 /// The first bytes of a regular file, at most `limit` of them; otherwise as `read`. For files that other
 /// programs own and that may be of any size.

@@ -1,6 +1,7 @@
 #include "fs/PathTools.h"
 
 #include "base/FileDescriptor.h"
+#include "base/SystemCall.h"
 #include "platform/Platform.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ namespace {
 std::optional<struct stat> linkStatus(const std::string& path) {
     struct stat status {};
     // Of a path with a zero inside, the system would see the part before it.
-    if (path.contains('\0') || ::lstat(path.c_str(), &status) != 0)
+    if (path.contains('\0') || uninterrupted([&] { return ::lstat(path.c_str(), &status); }) != 0)
         return std::nullopt;
     return status;
 }
@@ -67,13 +68,17 @@ std::vector<Entry> entries(const std::string& folder) {
     const FileDescriptor descriptor(Platform::openFolder(folder, Platform::Links::follow));
     if (!descriptor)
         return {};
+    return entries(descriptor.get()).value_or(std::vector<Entry>());
+}
+
+std::expected<std::vector<Entry>, std::error_code> entries(int folder) {
     std::vector<Entry> entries;
     const auto buffer = std::make_unique_for_overwrite<Platform::FolderBuffer>();
-    Platform::FolderReader reader(descriptor.get(), *buffer, Platform::EntryFacts::names);
+    Platform::FolderReader reader(folder, *buffer, Platform::EntryFacts::names);
     while (const auto* entry = reader.next())
         entries.push_back({std::string(entry->name), entry->kind});
     if (reader.failed())
-        return {};
+        return std::unexpected(std::error_code(reader.error(), std::generic_category()));
     return entries;
 }
 
@@ -94,10 +99,17 @@ std::vector<std::string> subfolders(const std::string& folder) {
 }
 
 std::string resolved(const std::string& path) {
+    return realPath(path).value_or(path);
+}
+
+std::expected<std::string, std::error_code> realPath(const std::string& path) {
+    if (path.empty()) // for which some libraries give the working folder
+        return std::unexpected(std::make_error_code(std::errc::no_such_file_or_directory));
     std::error_code error;
-    const auto whole =
-        std::filesystem::canonical(path, error); // of nothing, some libraries give the working folder
-    return error || path.empty() ? path : whole.string();
+    const auto real = std::filesystem::canonical(path, error);
+    if (error)
+        return std::unexpected(error);
+    return real.string();
 }
 
 std::strong_ordering compareVersions(std::string_view a, std::string_view b) {

@@ -4,13 +4,15 @@
 #include "platform/Platform.h"
 
 #include <compare>
+#include <expected>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
-/// Questions about paths, all answered by `lstat`: but for `resolved`, a link is never followed. Paths are
-/// bytes. Nothing here fails; a negative or empty answer stands for every failure.
+/// Questions about paths, all answered by `lstat`: but for `resolved` and `realPath`, a link is never
+/// followed. Paths are bytes. A negative or empty answer stands for every failure, where no error is given.
 namespace korvanti::PathTools {
 
 /// There is an entry, be it a dangling link.
@@ -34,10 +36,16 @@ struct Entry {
 [[nodiscard]] std::vector<std::string> children(const std::string& folder);
 /// Those of them that are real folders.
 [[nodiscard]] std::vector<std::string> subfolders(const std::string& folder);
+/// The entries of an open folder, read from where it stands; the system's error where it can't be read to its
+/// end.
+[[nodiscard]] std::expected<std::vector<Entry>, std::error_code> entries(int folder);
 
 /// The path with its links followed, where all of it exists; otherwise the path as it is. To be compared only
 /// with what this function gave, too.
 [[nodiscard]] std::string resolved(const std::string& path);
+
+/// The same, or the system's error where not all of it exists or can be gone through.
+[[nodiscard]] std::expected<std::string, std::error_code> realPath(const std::string& path);
 
 /// Shell pattern without flags, as the Mac's `fnmatch` takes it, byte by byte: `*` and `?` also match a slash
 /// and a leading dot.

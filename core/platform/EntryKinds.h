@@ -3,6 +3,7 @@
 #include "platform/Platform.h"
 
 #include <sys/stat.h>
+#include <type_traits>
 
 namespace korvanti::Platform {
 
@@ -13,6 +14,11 @@ inline EntryKind kindOfMode(mode_t mode) {
     if (S_ISDIR(mode))
         return EntryKind::folder;
     return S_ISLNK(mode) ? EntryKind::link : EntryKind::other;
+}
+
+/// Device numbers are signed on a Mac.
+inline EntryIdentity identityOf(const struct stat& status) {
+    return {.device = static_cast<std::make_unsigned_t<dev_t>>(status.st_dev), .inode = status.st_ino};
 }
 
 } // namespace korvanti::Platform

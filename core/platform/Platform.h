@@ -1,8 +1,11 @@
 #pragma once
 
+#include "base/FileDescriptor.h"
+#include "base/FileError.h"
 #include "base/Instant.h"
 
 #include <cstdint>
+#include <expected>
 #include <memory>
 #include <optional>
 #include <spawn.h>
@@ -83,7 +86,9 @@ public:
     const FolderEntry* next();
 
     /// Reading broke off before the end; what came so far stands.
-    [[nodiscard]] bool failed() const { return failed_; }
+    [[nodiscard]] bool failed() const { return error_ != 0; }
+    /// The system's error number then, otherwise 0.
+    [[nodiscard]] int error() const { return error_; }
 
 private:
     bool fill();
@@ -93,7 +98,7 @@ private:
     EntryFacts facts_;
     std::size_t position_ = 0; ///< of the next record in the buffer
     std::size_t filled_ = 0;   ///< bytes of records in the buffer (records, where the system counts those)
-    bool failed_ = false;
+    int error_ = 0;
     std::shared_ptr<void> listing_; ///< a plain one, where the folder can't be read in bulk
     FolderEntry entry_;
 };
@@ -115,6 +120,34 @@ enum class Links { refuse, follow };
 [[nodiscard]] int openFolder(const std::string& path, Links links = Links::refuse);
 /// The same for the child of an open folder (or "..", its parent), which never is a link.
 [[nodiscard]] int openFolderAt(int parent, const char* name);
+
+/// Opens a folder only to reach what is in it, which takes no right to list it; otherwise like the two above.
+[[nodiscard]] int openPassage(const std::string& path);
+[[nodiscard]] int openPassageAt(int parent, const char* name);
+
+/// Holds an entry that is no folder (a link as itself) without the right to read it, so that its number is
+/// given to no other as long as it is held: none where numbers are never given twice. Or the system's error
+/// number.
+[[nodiscard]] std::expected<FileDescriptor, int> holdEntryAt(int parent, const char* name);
+
+/// What tells one entry of any kind from another.
+struct EntryIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    bool operator==(const EntryIdentity&) const = default;
+};
+
+/// What is to go to the Trash, and where that is.
+struct TrashRequest {
+    int folder = -1;        ///< holds the entry
+    std::string name;       ///< its name in there
+    std::string path;       ///< the whole path
+    EntryIdentity identity; ///< anything else under that name stays
+    std::string home;       ///< whose Trash
+};
+/// Moves one entry as a whole to the user's Trash, under a name that is free there. On failure it stands
+/// where it stood.
+[[nodiscard]] std::expected<void, FileError> moveToTrash(const TrashRequest& request);
 
 /// A folder with a name that has an extension is shown to people as one document.
 [[nodiscard]] bool isPackage(const std::string& path);

@@ -1,7 +1,10 @@
+#include "base/FileDescriptor.h"
 #include "fs/FileContents.h"
 #include "fs/PathTools.h"
+#include "platform/Platform.h"
 #include "support/TempFolder.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -134,6 +137,32 @@ TEST_F(FileContentsTests, whatIsNoPropertyListIsNotReadAsOne) {
     for (const auto& path : {temp.file("damaged", {.text = "bplist00nonsense"}), temp.file("empty"),
                              temp.folder("folder"), temp.path("missing")})
         EXPECT_EQ(FileContents::readPropertyList(path), std::nullopt) << path;
+}
+
+TEST_F(FileContentsTests, readsAPropertyListFromAnOpenFolder) {
+    temp.file("app/Contents/Info.plist", {.text = textOf(KORVANTI_TEST_DATA "/Info-xml.plist")});
+    const FileDescriptor folder(Platform::openPassage(temp.path("app")));
+    const auto list = FileContents::readPropertyList(folder.get(), "Contents/Info.plist");
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->text("CFBundleIdentifier"), "com.contoh.Catatan");
+    EXPECT_EQ(FileContents::readPropertyList(folder.get(), "Info.plist"), std::nullopt);
+    EXPECT_EQ(FileContents::readPropertyList(folder.get(), "Contents"), std::nullopt);
+}
+
+TEST_F(FileContentsTests, thePropertyListIsThatOfTheOpenFolderWhateverHasItsPathNow) {
+    temp.file("app/Info.plist", {.text = textOf(KORVANTI_TEST_DATA "/Info-xml.plist")});
+    const FileDescriptor folder(Platform::openPassage(temp.path("app")));
+    std::filesystem::rename(temp.path("app"), temp.path("moved"));
+    temp.file("app/Info.plist", {.text = "damaged"});
+    EXPECT_TRUE(FileContents::readPropertyList(folder.get(), "Info.plist"));
+}
+
+TEST_F(FileContentsTests, whereNoFolderIsOpenThereIsNoPropertyList) {
+    temp.file("Info.plist", {.text = textOf(KORVANTI_TEST_DATA "/Info-xml.plist")});
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(temp.path());
+    EXPECT_EQ(FileContents::readPropertyList(-1, "Info.plist"), std::nullopt);
+    std::filesystem::current_path(before);
 }
 
 } // namespace

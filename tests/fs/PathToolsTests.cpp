@@ -1,8 +1,11 @@
+#include "base/FileDescriptor.h"
 #include "fs/PathTools.h"
 #include "support/TempFolder.h"
 
 #include <algorithm>
 #include <compare>
+#include <fcntl.h>
+#include <filesystem>
 #include <fnmatch.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -85,6 +88,38 @@ TEST_F(PathToolsTests, entriesTellTheKindOfEachWithoutFollowingLinks) {
     EXPECT_THAT(PathTools::entries(temp.path("folder")),
                 ::testing::UnorderedElementsAre(Entry{"file", file}, Entry{"sub", folder},
                                                 Entry{"link", link}, Entry{"pipe", other}));
+}
+
+TEST_F(PathToolsTests, entriesOfAnOpenFolderAreThoseOfThatFolderWhateverHasItsPathNow) {
+    temp.file("folder/file");
+    temp.symlink("folder/link", "file");
+    const FileDescriptor folder(Platform::openFolder(temp.path("folder")));
+    std::filesystem::rename(temp.path("folder"), temp.path("moved"));
+    temp.file("folder/other");
+    EXPECT_THAT(PathTools::entries(folder.get()).value(),
+                ::testing::UnorderedElementsAre(PathTools::Entry{"file", Platform::EntryKind::file},
+                                                PathTools::Entry{"link", Platform::EntryKind::link}));
+}
+
+TEST_F(PathToolsTests, anOpenFolderIsReadFromWhereItStands) {
+    temp.file("folder/file");
+    const FileDescriptor folder(Platform::openFolder(temp.path("folder")));
+    EXPECT_EQ(PathTools::entries(folder.get()).value().size(), 1U);
+    EXPECT_EQ(PathTools::entries(folder.get()).value().size(), 0U);
+}
+
+TEST_F(PathToolsTests, whatCannotBeListedGivesTheSystemsError) {
+    const FileDescriptor file(::open(temp.file("file").c_str(), O_RDONLY));
+    EXPECT_EQ(PathTools::entries(file.get()).error(), std::errc::not_a_directory);
+    EXPECT_EQ(PathTools::entries(-1).error(), std::errc::bad_file_descriptor);
+}
+
+TEST_F(PathToolsTests, anEmptyFolderAndOneThatIsGoneHaveNoEntries) {
+    const FileDescriptor empty(Platform::openFolder(temp.folder("empty")));
+    EXPECT_TRUE(PathTools::entries(empty.get()).value().empty());
+    const FileDescriptor gone(Platform::openFolder(temp.folder("gone")));
+    std::filesystem::remove(temp.path("gone"));
+    EXPECT_TRUE(PathTools::entries(gone.get()).value().empty());
 }
 
 TEST_F(PathToolsTests, childrenOfAFolderOfManyPagesAreAllThere) {

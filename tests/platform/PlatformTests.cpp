@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <map>
@@ -143,6 +144,60 @@ TEST_F(FolderReaderTests, aLinkIsNotOpenedAsAFolder) {
     const FileDescriptor parent(Platform::openFolder(temp.path()));
     EXPECT_FALSE(FileDescriptor(Platform::openFolderAt(parent.get(), "link")));
     EXPECT_TRUE(FileDescriptor(Platform::openFolderAt(parent.get(), "folder")));
+}
+
+TEST_F(FolderReaderTests, theErrorIsTheSystemsAndNoneWhereAllWasRead) {
+    const auto buffer = std::make_unique<Platform::FolderBuffer>();
+    const auto errorOf = [&](int folder) {
+        Platform::FolderReader reader(folder, *buffer, Platform::EntryFacts::names);
+        while (reader.next())
+            ;
+        return reader.error();
+    };
+    const FileDescriptor folder(Platform::openFolder(temp.path()));
+    const FileDescriptor file(::open(temp.file("file").c_str(), O_RDONLY));
+    EXPECT_EQ(errorOf(folder.get()), 0);
+    EXPECT_EQ(errorOf(file.get()), ENOTDIR);
+    EXPECT_EQ(errorOf(-1), EBADF);
+}
+
+TEST_F(FolderReaderTests, aPassageLeadsToWhatIsInTheFolder) {
+    temp.file("folder/inside/file");
+    const FileDescriptor folder(Platform::openPassage(temp.path("folder")));
+    const FileDescriptor inside(Platform::openPassageAt(folder.get(), "inside"));
+    struct stat status {};
+    EXPECT_EQ(::fstatat(inside.get(), "file", &status, AT_SYMLINK_NOFOLLOW), 0);
+}
+
+TEST_F(FolderReaderTests, aPassageFollowsALinkInAPathButNotInAFolder) {
+    temp.folder("folder/inside");
+    temp.symlink("link", "folder");
+    const FileDescriptor passage(Platform::openPassage(temp.path("link")));
+    ASSERT_TRUE(passage);
+    EXPECT_TRUE(FileDescriptor(Platform::openPassageAt(passage.get(), "inside")));
+    const FileDescriptor parent(Platform::openPassage(temp.path()));
+    EXPECT_FALSE(FileDescriptor(Platform::openPassageAt(parent.get(), "link")));
+}
+
+TEST_F(FolderReaderTests, onlyAFolderIsAPassage) {
+    ASSERT_EQ(::mkfifo(temp.path("pipe").c_str(), 0600), 0);
+    temp.file("file");
+    const FileDescriptor parent(Platform::openPassage(temp.path()));
+    for (const auto* name : {"file", "pipe"}) {
+        EXPECT_FALSE(FileDescriptor(Platform::openPassage(temp.path(name)))) << name;
+        EXPECT_FALSE(FileDescriptor(Platform::openPassageAt(parent.get(), name))) << name;
+    }
+    EXPECT_EQ(Platform::openPassage(temp.path("missing")), -1);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(Platform::openPassageAt(parent.get(), "missing"), -1);
+    EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(FolderReaderTests, aProgramThatIsStartedInheritsNoPassage) {
+    const FileDescriptor folder(Platform::openPassage(temp.folder("folder")));
+    const FileDescriptor parent(Platform::openPassageAt(folder.get(), ".."));
+    EXPECT_EQ(::fcntl(folder.get(), F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(::fcntl(parent.get(), F_GETFD), FD_CLOEXEC);
 }
 
 TEST_F(FolderReaderTests, theParentOfAnOpenFolderOpens) {

@@ -28,8 +28,8 @@ struct BoxMac {
     /// The privacy database can be opened from now on.
     void grantFullDiskAccess() const;
 
-    /// What a stand-in ("diskutil", "xcrun", "xcode-select", "tmutil", "ps") says when it is called with just
-    /// these arguments, one blank between them. One without an answer fails.
+    /// What a stand-in ("diskutil", "xcrun", "xcode-select", "tmutil", "ps", "pgrep", "pkill") says when it
+    /// is called with just these arguments, one blank between them. One without an answer fails.
     void answer(const std::string& call, const std::string& text, int status = 0) const;
     /// The same as a shell script that is run in its place.
     void answerWithScript(const std::string& call, const std::string& script) const;

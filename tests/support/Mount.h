@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace korvanti::testing {
@@ -10,6 +11,8 @@ class Mount {
 public:
     /// A memory file system.
     explicit Mount(std::string point);
+    /// A memory file system with room for so many bytes of files, in whole pages.
+    Mount(std::string point, std::int64_t room);
     /// What lies at `source`, shown at a second place.
     Mount(const std::string& source, std::string point);
     ~Mount();
@@ -17,7 +20,8 @@ public:
     Mount& operator=(const Mount&) = delete;
 
 private:
-    void mount(const std::string& source, const char* type, unsigned long flags) const;
+    void mount(const std::string& source, const char* type, unsigned long flags,
+               const std::string& options = {}) const;
 
     std::string point_;
 };

@@ -15,6 +15,10 @@ extern "C" NSURLResourceKey const NSURLVolumeAvailableCapacityForImportantUsageK
                                                        error:(NSError**)error;
 @end
 
+@interface NSFileManager (AppleDeclarations)
+- (BOOL)trashItemAtURL:(NSURL*)url resultingItemURL:(NSURL**)outResultingURL error:(NSError**)error;
+@end
+
 // Core Foundation, which Apple's Foundation brings along.
 typedef const void* CFTypeRef;
 typedef const struct __CFAllocator* CFAllocatorRef;

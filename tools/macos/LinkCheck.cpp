@@ -25,6 +25,22 @@ void printEntries(int folder, Platform::EntryFacts facts) {
         std::puts("(broken off)");
 }
 
+/// Nothing goes to the Trash: there is no such entry, and none has such an identity.
+void printPassages(const std::string& home) {
+    const int passage = Platform::openPassage(home);
+    const int inner = Platform::openPassageAt(passage, "Library");
+    const auto held = Platform::holdEntryAt(passage, ".CFUserTextEncoding");
+    std::printf("passages %d and %d, held %d\n", passage, inner, held ? held->get() : -held.error());
+    const auto moved = Platform::moveToTrash({.folder = passage,
+                                              .name = "korvanti nothing",
+                                              .path = home + "/korvanti nothing",
+                                              .identity = {},
+                                              .home = home});
+    std::printf("to the Trash: %s\n", moved ? "moved" : moved.error().description().c_str());
+    ::close(inner);
+    ::close(passage);
+}
+
 } // namespace
 
 int main() {
@@ -67,5 +83,6 @@ int main() {
         ::close(library);
     }
     ::close(folder);
+    printPassages(home);
     return 0;
 }

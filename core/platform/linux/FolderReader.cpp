@@ -1,4 +1,5 @@
 #include "base/CheckedMath.h"
+#include "base/SystemCall.h"
 #include "platform/EntryKinds.h"
 #include "platform/Platform.h"
 
@@ -37,10 +38,12 @@ FolderReader::FolderReader(int folder, FolderBuffer& buffer, EntryFacts facts)
     : folder_(folder), buffer_(buffer), facts_(facts) {}
 
 bool FolderReader::fill() {
-    const long count = ::syscall(SYS_getdents64, folder_, buffer_.bytes, FolderBuffer::capacity);
+    const long count = uninterrupted(
+        [&] { return ::syscall(SYS_getdents64, folder_, buffer_.bytes, FolderBuffer::capacity); });
     position_ = 0;
     filled_ = count > 0 ? static_cast<std::size_t>(count) : 0;
-    failed_ = count < 0 && errno != ENOENT; // a folder that was removed in the meantime is at its end
+    if (count < 0 && errno != ENOENT) // a folder that was removed in the meantime is at its end
+        error_ = errno;
     return count > 0;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/Platform.h"
 
 #include "base/FileDescriptor.h"
+#include "base/SystemCall.h"
 #include "platform/linux/MountInfo.h"
 
 #include <algorithm>
@@ -35,14 +36,19 @@ std::string accountHome() {
     return error == 0 && found ? found->pw_dir : std::string();
 }
 
-/// A file of /proc has no length of its own, so it is read to its end.
+/// A file of /proc has no length of its own, so it is read to its end. Empty when any of it can't be read.
 std::string kernelFile(const char* path) {
     std::string text;
-    const FileDescriptor file(::open(path, O_RDONLY | O_CLOEXEC));
+    const FileDescriptor file(uninterrupted([&] { return ::open(path, O_RDONLY | O_CLOEXEC); }));
     char buffer[16 * 1024];
-    for (ssize_t count = 0; file && (count = ::read(file.get(), buffer, sizeof buffer)) > 0;)
+    while (true) {
+        const auto count = uninterrupted([&] { return ::read(file.get(), buffer, sizeof buffer); });
+        if (count < 0)
+            return {};
+        if (count == 0)
+            return text;
         text.append(buffer, static_cast<std::size_t>(count));
-    return text;
+    }
 }
 
 /// Sizes beyond the signed range are as good as its end.
@@ -52,6 +58,7 @@ std::int64_t saturatedProduct(std::uint64_t count, std::uint64_t unit) {
 }
 
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
+constexpr int passageFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
 } // namespace
 
@@ -97,7 +104,8 @@ SpotlightUsage applicationUsage(const std::string& /*bundle*/) {
 
 std::optional<FolderIdentity> folderIdentity(int folder) {
     struct statx facts {};
-    if (::statx(folder, "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, STATX_INO, &facts) != 0)
+    if (uninterrupted(
+            [&] { return ::statx(folder, "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, STATX_INO, &facts); }) != 0)
         return std::nullopt;
     return FolderIdentity{.device = ::gnu_dev_makedev(facts.stx_dev_major, facts.stx_dev_minor),
                           .inode = facts.stx_ino,
@@ -105,11 +113,28 @@ std::optional<FolderIdentity> folderIdentity(int folder) {
 }
 
 int openFolder(const std::string& path, Links links) {
-    return ::open(path.c_str(), links == Links::follow ? folderFlags : folderFlags | O_NOFOLLOW);
+    const int flags = links == Links::follow ? folderFlags : folderFlags | O_NOFOLLOW;
+    return uninterrupted([&] { return ::open(path.c_str(), flags); });
 }
 
 int openFolderAt(int parent, const char* name) {
-    return ::openat(parent, name, folderFlags | O_NOFOLLOW);
+    return uninterrupted([&] { return ::openat(parent, name, folderFlags | O_NOFOLLOW); });
+}
+
+int openPassage(const std::string& path) {
+    return uninterrupted([&] { return ::open(path.c_str(), passageFlags); });
+}
+
+int openPassageAt(int parent, const char* name) {
+    return uninterrupted([&] { return ::openat(parent, name, passageFlags | O_NOFOLLOW); });
+}
+
+std::expected<FileDescriptor, int> holdEntryAt(int parent, const char* name) {
+    FileDescriptor held(
+        uninterrupted([&] { return ::openat(parent, name, O_PATH | O_NOFOLLOW | O_CLOEXEC); }));
+    if (!held)
+        return std::unexpected(errno);
+    return held;
 }
 
 void giveWay() {

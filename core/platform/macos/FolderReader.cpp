@@ -1,4 +1,5 @@
 #include "base/CheckedMath.h"
+#include "base/SystemCall.h"
 #include "platform/EntryKinds.h"
 #include "platform/Platform.h"
 
@@ -146,15 +147,15 @@ bool askByName(int folder, const char* name, FolderEntry& entry) {
     return true;
 }
 
-/// The next entry of a plain listing; one that can't be asked is left out. False at its end, with `failed`
-/// set where it broke off.
-bool nextListed(DIR* listing, int folder, EntryFacts facts, FolderEntry& entry, bool& failed) {
+/// The next entry of a plain listing; one that can't be asked is left out. False at its end, with `error` set
+/// where it broke off.
+bool nextListed(DIR* listing, int folder, EntryFacts facts, FolderEntry& entry, int& error) {
     const WithoutFetching guard;
     for (;;) {
         errno = 0;
         const dirent* listed = ::readdir(listing);
         if (!listed) {
-            failed = errno != 0 && !isNotOnDisk(errno);
+            error = isNotOnDisk(errno) ? 0 : errno;
             return false;
         }
         entry = {.name = std::string_view(listed->d_name, listed->d_namlen)};
@@ -187,24 +188,26 @@ const FolderEntry* FolderReader::next() {
             continue;
         return &entry_;
     }
-    if (listing_ && nextListed(static_cast<DIR*>(listing_.get()), folder_, facts_, entry_, failed_))
+    if (listing_ && nextListed(static_cast<DIR*>(listing_.get()), folder_, facts_, entry_, error_))
         return &entry_;
     return nullptr;
 }
 
 /// Fetches the next records. False when there are none: at the end, or where the plain listing takes over.
 bool FolderReader::fill() {
-    if (listing_ || failed_)
+    if (listing_ || error_ != 0)
         return false;
     attrlist wanted = attributesFor(facts_);
     const bool first = position_ == 0;
     const WithoutFetching guard;
-    const int count = ::getattrlistbulk(folder_, &wanted, buffer_.bytes, FolderBuffer::capacity, 0);
+    const int count = uninterrupted(
+        [&] { return ::getattrlistbulk(folder_, &wanted, buffer_.bytes, FolderBuffer::capacity, 0); });
     if (count < 0 && !isNotOnDisk(errno)) {
         // Some file systems don't serve this call, and it asks for more rights than a list of names needs.
+        const int error = errno;
         if (first)
             listing_ = openListing(folder_);
-        failed_ = !listing_;
+        error_ = listing_ ? 0 : error;
     }
     filled_ = count > 0 ? static_cast<std::size_t>(count) : 0;
     position_ = 0;

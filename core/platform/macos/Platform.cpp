@@ -1,5 +1,7 @@
 #include "platform/Platform.h"
 
+#include "base/SystemCall.h"
+#include "platform/EntryKinds.h"
 #include "platform/macos/WithoutFetching.h"
 
 #include <algorithm>
@@ -49,6 +51,7 @@ template <class Value> Value systemValue(const char* name) {
 }
 
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
+constexpr int passageFlags = O_SEARCH | O_CLOEXEC;
 
 } // namespace
 
@@ -97,17 +100,34 @@ std::optional<FolderIdentity> folderIdentity(int folder) {
     struct stat info {};
     if (::fstat(folder, &info) != 0)
         return std::nullopt;
-    return FolderIdentity{.device = static_cast<std::uint32_t>(info.st_dev), .inode = info.st_ino};
+    const auto identity = identityOf(info);
+    return FolderIdentity{.device = identity.device, .inode = identity.inode};
 }
 
 int openFolder(const std::string& path, Links links) {
     const WithoutFetching guard;
-    return ::open(path.c_str(), links == Links::follow ? folderFlags : folderFlags | O_NOFOLLOW);
+    const int flags = links == Links::follow ? folderFlags : folderFlags | O_NOFOLLOW;
+    return uninterrupted([&] { return ::open(path.c_str(), flags); });
 }
 
 int openFolderAt(int parent, const char* name) {
     const WithoutFetching guard;
-    return ::openat(parent, name, folderFlags | O_NOFOLLOW);
+    return uninterrupted([&] { return ::openat(parent, name, folderFlags | O_NOFOLLOW); });
+}
+
+int openPassage(const std::string& path) {
+    const WithoutFetching guard;
+    return uninterrupted([&] { return ::open(path.c_str(), passageFlags); });
+}
+
+int openPassageAt(int parent, const char* name) {
+    const WithoutFetching guard;
+    return uninterrupted([&] { return ::openat(parent, name, passageFlags | O_NOFOLLOW); });
+}
+
+// APFS never gives a number twice.
+std::expected<FileDescriptor, int> holdEntryAt(int /*parent*/, const char* /*name*/) {
+    return {};
 }
 
 void giveWay() {
