@@ -23,16 +23,19 @@ function(korvanti_module name)
   endif()
 endfunction()
 
-# korvanti_tests(NAME SOURCES … DEPENDS … [BOX | BOX_ROOT])
+# korvanti_tests(NAME SOURCES … DEPENDS … [BOX | BOX_ROOT] [TIMEOUT SECONDS])
 #
 # One test executable; every test in it is a test of ctest. With BOX each test runs inside the Mac in a box
 # and carries the label "box"; with BOX_ROOT as root there, who may mount.
 function(korvanti_tests name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "BOX;BOX_ROOT" "" "SOURCES;DEPENDS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "BOX;BOX_ROOT" "TIMEOUT" "SOURCES;DEPENDS")
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 120)
+  endif()
   set(target korvanti_${name}_tests)
   add_executable(${target} ${arg_SOURCES})
   target_link_libraries(${target} PRIVATE ${arg_DEPENDS} korvanti_test_support korvanti_warnings)
-  set(properties TIMEOUT 120)
+  set(properties TIMEOUT ${arg_TIMEOUT})
   if(arg_BOX OR arg_BOX_ROOT)
     set(enter ${PROJECT_SOURCE_DIR}/tests/box/enter)
     if(arg_BOX_ROOT)

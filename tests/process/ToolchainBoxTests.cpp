@@ -2,23 +2,15 @@
 
 #include "support/BoxFolder.h"
 #include "support/Environment.h"
-#include "support/TempFolder.h"
+#include "support/NewProcess.h"
 
 #include <chrono>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
-#include <spawn.h>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
-
-extern char** environ;
 
 namespace korvanti {
 namespace {
@@ -26,26 +18,12 @@ namespace {
 using namespace std::chrono_literals;
 using testing::BoxMac;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using testing::inANewProcess;
 using testing::ScopedVariable;
 
+/// The developer folder is found once a process, so each test that asks for it asks in a new one.
 class ToolchainBoxTests : public ::testing::Test {
 protected:
-    /// The developer folder is found once a process, so each test that asks for it asks in a new one.
-    static void inANewProcess(const std::function<void()>& body) {
-        std::fflush(nullptr);
-        const pid_t process = ::fork();
-        ASSERT_GE(process, 0);
-        if (process == 0) {
-            body();
-            std::fflush(nullptr);
-            ::_exit(HasFailure() ? 1 : 0);
-        }
-        int status = 0;
-        ASSERT_EQ(::waitpid(process, &status, 0), process);
-        EXPECT_EQ(status, 0) << "see above";
-    }
-
     std::string xcode(const std::string& name) const {
         return mac.applications.folder(name + "/Contents/Developer");
     }
@@ -159,58 +137,29 @@ TEST_F(ToolchainBoxTests, gitInAFolderThatIsMissingOrNoRepositoryFails) {
     });
 }
 
-/// A program that does nothing, under a name of its own, for as long as the object lives.
-class Process {
-public:
-    explicit Process(const std::string& name) {
-        const auto program = temp_.path(name);
-        std::filesystem::copy_file("/bin/sleep", program);
-        std::string words[] = {program, "600"};
-        char* arguments[] = {words[0].data(), words[1].data(), nullptr};
-        EXPECT_EQ(::posix_spawn(&process_, program.c_str(), nullptr, nullptr, arguments, environ), 0);
-    }
-    Process(const Process&) = delete;
-    Process& operator=(const Process&) = delete;
-    ~Process() {
-        ::kill(process_, SIGKILL);
-        ::waitpid(process_, nullptr, 0);
-    }
+TEST_F(ToolchainBoxTests, whatIsRunningIsAskedByPatternOrByName) {
+    mac.answer("pgrep -f A daemon", "4711\n");
+    mac.answer("pgrep -x An Ex", "4711\n4712\n");
 
-private:
-    testing::TempFolder temp_;
-    pid_t process_ = -1;
-};
-
-/// A name that no other process of this machine has; the system keeps 15 characters of one.
-const std::string& uniqueName() {
-    static const std::string name = "Kv" + std::to_string(::getpid());
-    return name;
+    EXPECT_TRUE(Toolchain::isRunning("A daemon"));
+    EXPECT_FALSE(Toolchain::isRunning("An Ex"));
+    EXPECT_TRUE(Toolchain::isAppRunning("An Ex"));
+    EXPECT_FALSE(Toolchain::isAppRunning("A daemon"));
 }
 
-TEST_F(ToolchainBoxTests, anApplicationIsKnownByItsWholeNameAndAPatternAnywhere) {
-    const Process running(uniqueName() + " Ex");
-
-    EXPECT_FALSE(Toolchain::isAppRunning(uniqueName()));
-    EXPECT_TRUE(Toolchain::isAppRunning(uniqueName() + " Ex"));
-    EXPECT_FALSE(Toolchain::isAppRunning(uniqueName() + " ex"));
-    EXPECT_TRUE(Toolchain::isRunning(uniqueName()));
-    EXPECT_TRUE(Toolchain::isRunning(uniqueName() + " Ex 6"));
-    EXPECT_FALSE(Toolchain::isRunning(uniqueName() + " 6"));
-}
-
-TEST_F(ToolchainBoxTests, whatHasEndedIsNotRunning) {
-    std::optional<Process> running(uniqueName());
-    EXPECT_TRUE(Toolchain::isAppRunning(uniqueName()));
-
-    running.reset();
-
-    EXPECT_FALSE(Toolchain::isAppRunning(uniqueName()));
-    EXPECT_FALSE(Toolchain::isRunning(uniqueName()));
+TEST_F(ToolchainBoxTests, nothingRunsThatCanNotBeAsked) {
+    for (const int status : {1, 2, 3}) {
+        mac.answer("pgrep -f A daemon", "4711\n", status);
+        mac.answer("pgrep -x An Ex", "4711\n", status);
+        EXPECT_FALSE(Toolchain::isRunning("A daemon")) << status;
+        EXPECT_FALSE(Toolchain::isAppRunning("An Ex")) << status;
+    }
 }
 
 TEST_F(ToolchainBoxTests, askingWhatIsRunningNeedsNoXcode) {
-    EXPECT_FALSE(Toolchain::isRunning(uniqueName()));
-    EXPECT_THAT(BoxMac::calls(), IsEmpty());
+    EXPECT_FALSE(Toolchain::isRunning("A daemon"));
+    EXPECT_FALSE(Toolchain::isAppRunning("An Ex"));
+    EXPECT_THAT(BoxMac::calls(), ElementsAre("pgrep -f A daemon", "pgrep -x An Ex"));
 }
 
 } // namespace
