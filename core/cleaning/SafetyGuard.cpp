@@ -1,13 +1,21 @@
 #include "cleaning/SafetyGuard.h"
 
+#include "base/SystemCall.h"
 #include "base/Text.h"
+#include "base/Uuid.h"
 #include "cleaning/SafetyGuardTables.h"
 #include "fs/FileContents.h"
 #include "fs/MountTable.h"
 #include "fs/PathTools.h"
+#include "platform/EntryKinds.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <fcntl.h>
+#include <optional>
 #include <string_view>
+#include <sys/stat.h>
 #include <utility>
 
 namespace korvanti {
@@ -56,11 +64,16 @@ bool isApplicationBundle(std::string_view path, const std::string& home) {
     return path.ends_with(".app") && (folder == "/Applications" || folder == home + "/Applications");
 }
 
+constexpr std::string_view infoPath = "/Contents/Info.plist";
+
 /// An application with no readable property list is not taken for one of the system's.
-Verdict applicationVerdict(const std::string& path) {
-    const auto info = FileContents::readPropertyList(path + "/Contents/Info.plist");
+bool isOfTheSystem(const std::optional<PropertyList>& info) {
     const auto identifier = info ? info->text("CFBundleIdentifier") : std::nullopt;
-    if (identifier && identifier->starts_with("com.apple."))
+    return identifier && identifier->starts_with("com.apple.");
+}
+
+Verdict applicationVerdict(const std::string& path) {
+    if (isOfTheSystem(FileContents::readPropertyList(path + std::string(infoPath))))
         return refusal(Kind::protectedPath, path);
     if (!PathTools::exists(path))
         return refusal(Kind::missing, path);
@@ -77,6 +90,91 @@ Verdict diskVerdict(const std::string& path, bool allowRepository) {
         return refusal(Kind::isRepository, path);
     if (const auto mounts = MountTable::mountPoints(path); !mounts.empty())
         return refusal(Kind::containsMountPoint, mounts.front());
+    return {};
+}
+
+// The same questions put to a held entry. Here, right before a removal, one that the system does not answer
+// is a refusal.
+
+using Refusal = SafetyGuard::Refusal;
+using HeldVerdict = std::expected<void, Refusal>;
+
+HeldVerdict heldApplicationVerdict(const PinnedEntry& entry) {
+    const auto info =
+        entry.isFolder()
+            ? FileContents::readPropertyList(entry.folder(), std::string(infoPath.substr(1)))
+            : FileContents::readPropertyList(entry.parent(), entry.name() + std::string(infoPath));
+    if (isOfTheSystem(info))
+        return std::unexpected(GuardError{Kind::protectedPath, entry.path()});
+    return {};
+}
+
+HeldVerdict repositoryVerdict(const PinnedEntry& entry) {
+    struct stat status {};
+    if (uninterrupted([&] { return ::fstatat(entry.folder(), ".git", &status, AT_SYMLINK_NOFOLLOW); }) == 0)
+        return std::unexpected(GuardError{Kind::isRepository, entry.path()});
+    if (const int error = errno; error != ENOENT)
+        return std::unexpected(fileErrorOf(error, entry.path() + "/.git"));
+    return {};
+}
+
+/// The table names volumes by their real places, which differ from ours where the home lies behind a link.
+HeldVerdict mountVerdict(const PinnedEntry& entry, const std::string& home) {
+    const auto table = MountTable::all();
+    if (table.empty())
+        return std::unexpected(fileErrorOf(EIO, entry.path()));
+    const auto realHome = PathTools::realPath(home);
+    if (!realHome)
+        return std::unexpected(fileErrorOf(realHome.error().value(), entry.path()));
+    const auto realPath = *realHome + entry.path().substr(home.size());
+    for (const auto& point : table) {
+        if (PathTools::isSameOrAncestor(entry.path(), point) || PathTools::isSameOrAncestor(realPath, point))
+            return std::unexpected(GuardError{Kind::containsMountPoint, point});
+    }
+    const auto own = Platform::folderIdentity(entry.folder());
+    const auto parent = Platform::folderIdentity(entry.parent());
+    if (!own || !parent)
+        return std::unexpected(lastFileError(entry.path()));
+    if (own->mountRoot || own->device != parent->device)
+        return std::unexpected(GuardError{Kind::containsMountPoint, entry.path()});
+    return {};
+}
+
+/// As a disk sees it that makes no difference between cases and ways of composing letters.
+std::string folded(std::string_view path) {
+    return Text::composed(Text::lowercased(path));
+}
+
+/// The first so many components.
+std::string_view beginning(std::string_view path, std::ptrdiff_t components) {
+    std::size_t end = 0;
+    for (; components > 0; --components)
+        end = std::min(path.find('/', end + 1), path.size());
+    return path.substr(0, end);
+}
+
+bool isSameObject(const std::string& path, const std::string& other) {
+    struct stat first {};
+    struct stat second {};
+    return uninterrupted([&] { return ::lstat(path.c_str(), &first); }) == 0 &&
+           uninterrupted([&] { return ::lstat(other.c_str(), &second); }) == 0 &&
+           Platform::identityOf(first) == Platform::identityOf(second);
+}
+
+/// A disk may know a protected place by more than one spelling.
+HeldVerdict spellingVerdict(const PinnedEntry& entry, const std::string& home) {
+    const auto relative = std::string_view(entry.path()).substr(home.size() + 1);
+    const auto plain = folded(relative);
+    const auto isPlace = [&](std::string_view place) {
+        const auto spelled = beginning(relative, std::ranges::count(place, '/') + 1);
+        return isSameObject(PathTools::joined(home, spelled), PathTools::joined(home, place));
+    };
+    if (std::ranges::any_of(SafetyGuardTables::protectedRoots,
+                            [&](std::string_view root) { return plain == folded(root) && isPlace(root); }) ||
+        std::ranges::any_of(SafetyGuardTables::protectedTrees, [&](std::string_view tree) {
+            return PathTools::isSameOrAncestor(folded(tree), plain) && isPlace(tree);
+        }))
+        return std::unexpected(GuardError{Kind::protectedPath, entry.path()});
     return {};
 }
 
@@ -108,19 +206,79 @@ std::string GuardError::description() const {
 // With a home that is no absolute path or the root itself, nothing lies inside it and all is refused.
 SafetyGuard::SafetyGuard(const std::string& home) : home_(home.starts_with('/') ? normalised(home) : "/") {}
 
+Verdict SafetyGuard::validate(const CleanupItem& item) const {
+    if (item.safety == Safety::keep)
+        return refusal(Kind::notDeletable, "Penting");
+    if (!isDeletable(item.safety))
+        return refusal(Kind::notDeletable, "Dikelola sistem");
+    switch (item.action.kind) {
+    case CleanupAction::Kind::simulatorErase:
+    case CleanupAction::Kind::simulatorDelete:
+    case CleanupAction::Kind::simulatorRuntimeDelete:
+        return Uuid::parse(item.action.payload) ? Verdict()
+                                                : refusal(Kind::invalidIdentifier, item.action.payload);
+    case CleanupAction::Kind::manual:
+        return refusal(Kind::notDeletable, "butuh langkah manual");
+    case CleanupAction::Kind::emptyTrash:
+        // What lies in it is asked about when it goes.
+        return item.path == home_ + "/.Trash" ? Verdict() : refusal(Kind::invalidPath, item.path);
+    case CleanupAction::Kind::delete_:
+        return validate(item.path, {});
+    case CleanupAction::Kind::trash:
+        return validate(item.path, {.allowApplicationBundle = true});
+    }
+    std::unreachable();
+}
+
 Verdict SafetyGuard::validate(const std::string& path, PathOptions options) const {
+    const auto place = placeOf(path, options);
+    if (!place)
+        return std::unexpected(place.error());
+    return place->isApplication ? applicationVerdict(place->path)
+                                : diskVerdict(place->path, options.allowRepository);
+}
+
+std::expected<AdmittedEntry, SafetyGuard::Refusal> SafetyGuard::admit(const std::string& path,
+                                                                      PathOptions options) const {
+    const auto place = placeOf(path, options);
+    if (!place)
+        return std::unexpected(place.error());
+    const bool isInHome = PathTools::isSameOrAncestor(home_, place->path);
+    auto entry = PinnedEntry::open(isInHome ? home_ : "/", place->path);
+    if (!entry && entry.error().code == std::errc::no_such_file_or_directory)
+        return std::unexpected(GuardError{Kind::missing, place->path});
+    if (!entry)
+        return std::unexpected(entry.error());
+
+    auto verdict = place->isApplication ? heldApplicationVerdict(*entry) : spellingVerdict(*entry, home_);
+    if (verdict && !place->isApplication && entry->isFolder()) {
+        if (!options.allowRepository)
+            verdict = repositoryVerdict(*entry);
+        if (verdict)
+            verdict = mountVerdict(*entry, home_);
+    }
+    if (!verdict)
+        return std::unexpected(verdict.error());
+    return AdmittedEntry(std::move(*entry));
+}
+
+std::expected<SafetyGuard::Place, GuardError> SafetyGuard::placeOf(const std::string& path,
+                                                                   PathOptions options) const {
+    const auto refused = [](Kind kind, std::string payload) {
+        return std::unexpected(GuardError{kind, std::move(payload)});
+    };
     if (!isWellFormed(path))
-        return refusal(Kind::invalidPath, path);
+        return refused(Kind::invalidPath, path);
     const auto place = normalised(path);
     if (holdsSecrets(PathTools::lastComponent(place)))
-        return refusal(Kind::protectedPath, place);
+        return refused(Kind::protectedPath, place);
     if (options.allowApplicationBundle && isApplicationBundle(place, home_))
-        return applicationVerdict(place);
+        return Place{.path = place, .isApplication = true};
     if (!place.starts_with(home_ + "/"))
-        return refusal(Kind::outsideAllowedRoots, place);
+        return refused(Kind::outsideAllowedRoots, place);
     if (isProtected(std::string_view(place).substr(home_.size() + 1)))
-        return refusal(Kind::protectedPath, place);
-    return diskVerdict(place, options.allowRepository);
+        return refused(Kind::protectedPath, place);
+    return Place{.path = place};
 }
 
 } // namespace korvanti

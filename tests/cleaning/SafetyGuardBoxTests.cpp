@@ -6,6 +6,7 @@
 #include <expected>
 #include <gtest/gtest.h>
 #include <string>
+#include <variant>
 
 namespace korvanti {
 namespace {
@@ -87,6 +88,34 @@ TEST_F(SafetyGuardBoxTests, aFolderPassesAgainOnceItsVolumeIsGone) {
         EXPECT_EQ(verdict(folder), refused(Kind::containsMountPoint, folder + "/volume"));
     }
     EXPECT_EQ(verdict(folder), accepted);
+}
+
+// A Mac's disk takes names that differ in case for the same name. Here a second view of the same folder
+// stands for that.
+
+TEST_F(SafetyGuardBoxTests, nothingInAProtectedTreeInAnotherSpellingIsAdmitted) {
+    const auto tree = mac.home.folder("Library/Mail");
+    mac.home.file("Library/Mail/letters/one");
+    const Mount alias(tree, mac.home.folder("Library/mAIL"));
+    for (const auto* path : {"Library/mAIL/letters", "Library/mAIL/letters/one"}) {
+        EXPECT_EQ(verdict(mac.home.path(path)), accepted) << path;
+        const auto admitted = SafetyGuard(mac.home.path()).admit(mac.home.path(path), {});
+        ASSERT_FALSE(admitted.has_value()) << path;
+        EXPECT_EQ(std::get<GuardError>(admitted.error()),
+                  (GuardError{Kind::protectedPath, mac.home.path(path)}));
+    }
+}
+
+TEST_F(SafetyGuardBoxTests, aKeptFolderInAnotherSpellingIsNotAdmittedAndWhatIsInItIs) {
+    const auto caches = mac.home.folder("Library/Caches");
+    mac.home.folder("Library/Caches/app");
+    const Mount library(mac.home.path("Library"), mac.home.folder("lIBRARY"));
+    const SafetyGuard guard(mac.home.path());
+    const auto admitted = guard.admit(mac.home.path("lIBRARY/Caches"), {});
+    ASSERT_FALSE(admitted.has_value());
+    EXPECT_EQ(std::get<GuardError>(admitted.error()),
+              (GuardError{Kind::protectedPath, mac.home.path("lIBRARY/Caches")}));
+    EXPECT_TRUE(guard.admit(mac.home.path("lIBRARY/Caches/app"), {}).has_value());
 }
 
 // Applications of the whole Mac

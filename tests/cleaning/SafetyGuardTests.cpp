@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
+#include <variant>
 #include <vector>
 
 namespace korvanti {
@@ -336,6 +337,45 @@ TEST_F(SafetyGuardTests, whatOnlyResemblesAProtectedRootMayGo) {
     }
 }
 
+TEST_F(SafetyGuardTests, aShorterOrLongerNameThanThatOfAProtectedRootMayGo) {
+    for (const auto& root : protectedRoots) {
+        expectOnlyMissing(root.substr(0, root.size() - 1) + "/lain");
+        expectOnlyMissing(root + "x/lain");
+        expectOnlyMissing(root + " /lain");
+        expectOnlyMissing(inOtherCase(root) + "/lain");
+        if (root.contains('/')) {
+            expectOnlyMissing(root.substr(0, root.size() - 1));
+            expectOnlyMissing(root + "x");
+            expectOnlyMissing(root + " ");
+        }
+    }
+}
+
+TEST_F(SafetyGuardTests, noFolderThatHoldsAProtectedRootMayGo) {
+    for (const auto& root : protectedRoots) {
+        const auto parent = std::string(PathTools::parent(in(root)));
+        EXPECT_EQ(verdict(parent),
+                  refused(parent == home.path() ? Kind::outsideAllowedRoots : Kind::protectedPath, parent));
+    }
+}
+
+TEST_F(SafetyGuardTests, aProtectedRootStaysWhateverStandsThere) {
+    for (const auto& root : protectedRoots) {
+        home.folder(root);
+        expectProtected(root);
+        EXPECT_EQ(verdict(home.folder(root + "/lain")), accepted) << root;
+        EXPECT_EQ(verdict(home.file(root + "/file")), accepted) << root;
+    }
+}
+
+TEST_F(SafetyGuardTests, aLinkInPlaceOfAProtectedRootStays) {
+    for (const auto& root : protectedRoots) {
+        const testing::TempFolder other;
+        const auto link = other.symlink(root, "/no/such");
+        EXPECT_EQ(SafetyGuard(other.path()).validate(link, {}), refused(Kind::protectedPath, link));
+    }
+}
+
 TEST_F(SafetyGuardTests, aFolderInACacheFolderPasses) {
     EXPECT_EQ(verdict(home.folder("Library/Caches/x")), accepted);
     EXPECT_EQ(verdict(home.folder(".gradle/caches/modules-2")), accepted);
@@ -369,9 +409,41 @@ TEST_F(SafetyGuardTests, aSiblingThatBeginsLikeAProtectedTreeMayGo) {
     }
 }
 
+TEST_F(SafetyGuardTests, aShorterOrLongerNameThanThatOfAProtectedTreeMayGo) {
+    for (const auto& tree : protectedTrees) {
+        expectOnlyMissing(tree + "x/x");
+        expectOnlyMissing(tree + " /x");
+        if (tree.contains('/')) {
+            expectOnlyMissing(tree.substr(0, tree.size() - 1));
+            expectOnlyMissing(tree + "-old");
+            expectOnlyMissing(tree + " ");
+        }
+    }
+}
+
+TEST_F(SafetyGuardTests, whatLiesBesideAProtectedTreeMayGo) {
+    for (const auto& tree : protectedTrees) {
+        if (const auto slash = tree.rfind('/'); slash != std::string::npos)
+            expectOnlyMissing(tree.substr(0, slash) + "/lain");
+    }
+}
+
+TEST_F(SafetyGuardTests, aProtectedTreeStaysWhateverStandsThere) {
+    for (const auto& tree : protectedTrees) {
+        home.folder(tree + "/folder");
+        home.file(tree + "/file");
+        home.symlink(tree + "/link", "/no/such");
+        for (const auto* inside : {"", "/folder", "/file", "/link"})
+            expectProtected(tree + inside);
+    }
+}
+
 TEST_F(SafetyGuardTests, theCaseOfAProtectedTreeCounts) {
-    for (const auto& tree : protectedTrees)
+    for (const auto& tree : protectedTrees) {
         expectOnlyMissing(inOtherCase(tree) + "/x");
+        if (tree.contains('/') && !tree.ends_with(".keystore")) // whose ending counts in any case
+            expectOnlyMissing(inOtherCase(tree));
+    }
     expectOnlyMissing("Library/mail/x");
 }
 
@@ -466,6 +538,30 @@ TEST_F(SafetyGuardTests, anApplicationOfTheSystemIsProtected) {
     EXPECT_EQ(verdict(path + "/", withApplication), refused(Kind::protectedPath, path));
 }
 
+TEST_F(SafetyGuardTests, anApplicationOfTheSystemIsKnownByABinaryPropertyListToo) {
+    using namespace std::string_literals;
+    // One dictionary (of objects 1 and 2), its key and its value; the places of the three; the trailer.
+    const auto list = "bplist00\xd1\x01\x02\x5f\x10\x12"s + "CFBundleIdentifier" + "\x5e" + "com.apple.mail" +
+                      "\x08\x0b\x20"s + "\0\0\0\0\0\0\x01\x01"s + "\0\0\0\0\0\0\0\x03"s +
+                      "\0\0\0\0\0\0\0\0"s + "\0\0\0\0\0\0\0\x2f"s;
+    home.file("Applications/Mail.app/Contents/Info.plist", {.text = list});
+    EXPECT_EQ(verdict(in("Applications/Mail.app"), withApplication),
+              refused(Kind::protectedPath, in("Applications/Mail.app")));
+}
+
+TEST_F(SafetyGuardTests, anApplicationThatIsALinkIsAskedBehindIt) {
+    application("Elsewhere/Mail.app", "com.apple.mail");
+    const auto link = home.symlink("Applications/Mail.app", in("Elsewhere/Mail.app"));
+    EXPECT_EQ(verdict(link, withApplication), refused(Kind::protectedPath, link));
+    EXPECT_EQ(verdict(home.symlink("Applications/Gone.app", "/no/such"), withApplication), accepted);
+}
+
+TEST_F(SafetyGuardTests, aPipeInPlaceOfAnApplicationsPropertyListKeepsNobodyWaiting) {
+    home.folder("Applications/A.app/Contents");
+    ASSERT_EQ(::mkfifo(in("Applications/A.app/Contents/Info.plist").c_str(), 0600), 0);
+    EXPECT_EQ(verdict(in("Applications/A.app"), withApplication), accepted);
+}
+
 TEST_F(SafetyGuardTests, onlyTheWholeBeginningMakesAnApplicationTheSystems) {
     EXPECT_EQ(verdict(application("Applications/A.app", "com.apple"), withApplication), accepted);
     EXPECT_EQ(verdict(application("Applications/B.app", "com.applex.a"), withApplication), accepted);
@@ -513,6 +609,31 @@ TEST_F(SafetyGuardTests, anApplicationWithTheNameOfASecretIsProtected) {
 }
 
 // What the user is told
+
+// A Mac's disk takes names that differ in case or composition for the same name. Here a second name of the
+// same object stands for that.
+
+TEST_F(SafetyGuardTests, aProtectedFileInAnotherSpellingIsNotAdmitted) {
+    const auto secret = home.file(".codex/auth.json");
+    const auto alias = home.hardLink(".Codex/AUTH.json", secret);
+    EXPECT_EQ(verdict(alias), accepted);
+    const auto admitted = SafetyGuard(home.path()).admit(alias, {});
+    ASSERT_FALSE(admitted.has_value());
+    EXPECT_EQ(std::get<GuardError>(admitted.error()), (GuardError{Kind::protectedPath, alias}));
+}
+
+TEST_F(SafetyGuardTests, aPlaceThatOnlyIsSpelledLikeAProtectedOneIsAdmitted) {
+    home.file(".codex/auth.json");
+    EXPECT_TRUE(SafetyGuard(home.path()).admit(home.file(".Codex/AUTH.json"), {}).has_value());
+    home.file("Library/Mail/letter");
+    EXPECT_TRUE(SafetyGuard(home.path()).admit(home.file("Library/mail/letter"), {}).has_value());
+    EXPECT_TRUE(SafetyGuard(home.path()).admit(home.folder(".GRADLE/caches"), {}).has_value());
+}
+
+TEST_F(SafetyGuardTests, aSecondNameThatIsSpelledOtherwiseIsAdmitted) {
+    const auto secret = home.file(".codex/auth.json");
+    EXPECT_TRUE(SafetyGuard(home.path()).admit(home.hardLink(".codex/copy.json", secret), {}).has_value());
+}
 
 TEST(GuardErrorTests, saysWhyAndShowsTheHomeAsATildeWhereThePayloadIsAPath) {
     const testing::ScopedHome home("/Users/ani");
