@@ -16,6 +16,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <vector>
 
 namespace korvanti::bench {
@@ -189,7 +190,8 @@ public:
 
         const bool done = (!chosen("warm") || warm()) && (!chosen("cold") || cold()) &&
                           (!chosen("shapes") || shapes()) && (!chosen("growth") || growth()) &&
-                          (!chosen("start") || start()) && (!chosen("scan") || scan());
+                          (!chosen("start") || start()) && (!chosen("scan") || scan()) &&
+                          (!chosen("removal") || removal()) && (!chosen("guard") || guard());
         return done && verdicts_.summary() ? 0 : 1;
     }
 
@@ -485,6 +487,55 @@ private:
         return true;
     }
 
+    bool removal() {
+        const TreePlan plan{TreeShape::realistic, scaled(200'000), scaled(20'000)};
+        fmt::print("\n{}\n", folderOf("Removal", plan));
+        std::fflush(stdout);
+        const std::string home = trees_ + "/removal";
+        std::string path; // of the tree that is to go, made anew each time
+        const auto freshTree = [&](const Contender&) {
+            std::error_code error;
+            fs::remove_all(home, error);
+            fs::create_directories(home + "/trees", error);
+            auto made = makeTree(home + "/trees", plan);
+            path = made.value_or("");
+            ::sync(); // what the last one left to be written is not for the next to wait for
+            return made.has_value();
+        };
+        const std::vector<Contender> contenders = {
+            {"remove",
+             [&](const std::string&, int) {
+                 return Command{{KORVANTI_REMOVE_TREE, home, path}, {}};
+             }},
+            {"rm -rf", [&](const std::string&, int) {
+                 return Command{{"rm", "-rf", path}, {}};
+             }}};
+        const auto all = takeTurns(contenders, {}, runs_, 1, freshTree);
+        if (!all)
+            return false;
+        printSeries(*all);
+        verdicts_.atLeast("faster than rm -rf", all->back().time() / all->front().time(), 1);
+        return true;
+    }
+
+    bool guard() {
+        fmt::print("\nThe guard's verdict on 10,000 items\n");
+        const auto result = bench::run({{KORVANTI_GUARD_VERDICTS, trees_ + "/guard-home"}, {}});
+        if (!result)
+            return false;
+        auto numbers = numbersByName(result->output);
+        const auto milliseconds = [&](const std::string& name) {
+            return static_cast<double>(numbers[name]) / 1e3;
+        };
+        const double verdicts = milliseconds("microsecondsVerdicts");
+        const double table = milliseconds("microsecondsMountTable");
+        fmt::print("  {} accepted; {:.1f} ms, of which {:.1f} ms to read the mount table as often\n",
+                   grouped(numbers["accepted"]), verdicts, table);
+        verdicts_.print("guard: beside the mount table", fmt::format("{:.1f} ms", verdicts - table),
+                        "< 50 ms", verdicts - table < 50);
+        return true;
+    }
+
     Arguments arguments_;
     std::string trees_;
     int runs_;
@@ -493,7 +544,7 @@ private:
 
 constexpr std::string_view usage =
     "usage: korvanti_bench [--quick] [--runs N] [--trees FOLDER] [--korvanti PROGRAM]\n"
-    "                      [--only warm|cold|shapes|growth|start|scan]\n"
+    "                      [--only warm|cold|shapes|growth|start|scan|removal|guard]\n"
     "  --quick   trees of a tenth of the size, three runs\n"
     "  --trees   where the trees are kept from one run to the next (3 GB)\n";
 
@@ -513,7 +564,8 @@ std::optional<Arguments> parse(const std::vector<std::string>& words) {
         } else if (word == "--korvanti") {
             arguments.korvanti = value;
         } else if (word == "--only") {
-            constexpr std::string_view sections[] = {"warm", "cold", "shapes", "growth", "start", "scan"};
+            constexpr std::string_view sections[] = {"warm",  "cold", "shapes",  "growth",
+                                                     "start", "scan", "removal", "guard"};
             if (std::ranges::find(sections, value) == std::end(sections))
                 return std::nullopt;
             arguments.only = value;
