@@ -94,7 +94,7 @@ Verdict diskVerdict(const std::string& path, bool allowRepository) {
 }
 
 // The same questions put to a held entry. Here, right before a removal, one that the system does not answer
-// is a refusal.
+// is a refusal. Only a property list that can't be read still makes an application nobody's.
 
 using Refusal = SafetyGuard::Refusal;
 using HeldVerdict = std::expected<void, Refusal>;
@@ -153,28 +153,42 @@ std::string_view beginning(std::string_view path, std::ptrdiff_t components) {
     return path.substr(0, end);
 }
 
-bool isSameObject(const std::string& path, const std::string& other) {
-    struct stat first {};
-    struct stat second {};
-    return uninterrupted([&] { return ::lstat(path.c_str(), &first); }) == 0 &&
-           uninterrupted([&] { return ::lstat(other.c_str(), &second); }) == 0 &&
-           Platform::identityOf(first) == Platform::identityOf(second);
+/// Absent where there is nothing.
+std::expected<std::optional<Platform::EntryIdentity>, FileError> identityAt(const std::string& path) {
+    struct stat status {};
+    if (uninterrupted([&] { return ::lstat(path.c_str(), &status); }) == 0)
+        return Platform::identityOf(status);
+    if (errno == ENOENT || errno == ENOTDIR)
+        return std::nullopt;
+    return std::unexpected(lastFileError(path));
 }
 
 /// A disk may know a protected place by more than one spelling.
 HeldVerdict spellingVerdict(const PinnedEntry& entry, const std::string& home) {
     const auto relative = std::string_view(entry.path()).substr(home.size() + 1);
     const auto plain = folded(relative);
-    const auto isPlace = [&](std::string_view place) {
+    const auto verdictOn = [&](std::string_view place) -> HeldVerdict {
         const auto spelled = beginning(relative, std::ranges::count(place, '/') + 1);
-        return isSameObject(PathTools::joined(home, spelled), PathTools::joined(home, place));
+        const auto ours = identityAt(PathTools::joined(home, spelled));
+        const auto theirs = identityAt(PathTools::joined(home, place));
+        if (!ours || !theirs)
+            return std::unexpected(ours ? theirs.error() : ours.error());
+        if (ours->has_value() && *ours == *theirs)
+            return std::unexpected(GuardError{Kind::protectedPath, entry.path()});
+        return {};
     };
-    if (std::ranges::any_of(SafetyGuardTables::protectedRoots,
-                            [&](std::string_view root) { return plain == folded(root) && isPlace(root); }) ||
-        std::ranges::any_of(SafetyGuardTables::protectedTrees, [&](std::string_view tree) {
-            return PathTools::isSameOrAncestor(folded(tree), plain) && isPlace(tree);
-        }))
-        return std::unexpected(GuardError{Kind::protectedPath, entry.path()});
+    for (const auto root : SafetyGuardTables::protectedRoots) {
+        if (plain != folded(root))
+            continue;
+        if (auto verdict = verdictOn(root); !verdict)
+            return verdict;
+    }
+    for (const auto tree : SafetyGuardTables::protectedTrees) {
+        if (!PathTools::isSameOrAncestor(folded(tree), plain))
+            continue;
+        if (auto verdict = verdictOn(tree); !verdict)
+            return verdict;
+    }
     return {};
 }
 
