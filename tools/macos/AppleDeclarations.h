@@ -8,6 +8,7 @@ typedef NSString* NSURLResourceKey;
 extern "C" NSURLResourceKey const NSURLVolumeAvailableCapacityForImportantUsageKey;
 
 @interface NSURL (AppleDeclarations)
+@property(readonly) const char* fileSystemRepresentation;
 + (NSURL*)fileURLWithFileSystemRepresentation:(const char*)path
                                   isDirectory:(BOOL)isDir
                                 relativeToURL:(NSURL*)baseURL;
