@@ -34,6 +34,46 @@ struct VolumeCapacity {
 };
 [[nodiscard]] VolumeCapacity volumeCapacity(const std::string& path);
 
+/// One mounted volume as the platform tells of it; what it does not tell is absent. Sizes are bytes.
+struct MountedVolume {
+    std::string mountPath;
+    std::string fsType; ///< the file system's name as the kernel has it; empty when it can't be asked
+    std::optional<std::string> name;
+    std::optional<std::string> uuid;
+    std::optional<std::string> formatDescription; ///< for people, in their language
+    std::optional<bool> isInternal;
+    std::optional<bool> isEjectable;
+    std::optional<bool> isRemovable;
+    std::optional<bool> isLocal;
+    std::optional<bool> isRootFileSystem;
+    std::optional<std::int64_t> total;
+    std::optional<std::int64_t> available;
+    bool operator==(const MountedVolume&) const = default;
+};
+/// The mounted volumes that people see, in the system's order, one for each mount point. Empty when the
+/// system gives no answer.
+[[nodiscard]] std::vector<MountedVolume> mountedVolumes();
+
+/// What is read from and written to the open file from now on passes the system's cache by, as far as the
+/// file system lets it. Memory, place in the file and length must then be multiples of 4096 bytes.
+void bypassCache(int file);
+
+/// Opens a new file without a name to be read and written by this user alone, which is gone when it is
+/// closed, however the process ends. -1 with errno on failure, also where the system has no such files. The
+/// descriptor is the caller's to close.
+[[nodiscard]] int openNamelessFile(const std::string& folder);
+
+/// Waits until an open file, or an open folder's list of names, is on its device. 0, or the system's error
+/// number.
+[[nodiscard]] int flushFile(int file);
+
+/// The same for all that was written to the volume on which an open file or folder lies.
+[[nodiscard]] int flushVolume(int file);
+
+/// Gives one open folder the mode, the times, the extended attributes and the access list of another. 0, or
+/// the system's error number.
+[[nodiscard]] int copyFolderFacts(int from, int to);
+
 /// Bytes of swap in use, 0 when not told.
 [[nodiscard]] std::int64_t swapUsed();
 
@@ -62,6 +102,7 @@ struct FolderEntry {
     std::int64_t allocatedBytes = 0; ///< blocks on disk
     std::int64_t logicalBytes = 0;   ///< length
     std::optional<std::int64_t> modifiedSeconds; ///< whole seconds since 1970, where the file system tells
+    std::int64_t modifiedNanoseconds = 0;        ///< and what is above them
 };
 
 /// How much a `FolderReader` finds out about each entry. What is hidden and what a package comes with

@@ -73,6 +73,11 @@ Faults& faults() {
     return *all;
 }
 
+/// The function of the same name behind this library.
+template <class Function> Function* next(const char* name, Function* /*sameType*/) {
+    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
 /// What a call is about: a path, an open descriptor, or a path from an open folder.
 struct Target {
     int descriptor = -1;
@@ -83,7 +88,8 @@ struct Target {
             return path;
         char name[4096];
         const auto link = "/proc/self/fd/" + std::to_string(descriptor);
-        const ssize_t length = ::readlink(link.c_str(), name, sizeof name);
+        static const auto readLink = next("readlink", &::readlink);
+        const ssize_t length = readLink(link.c_str(), name, sizeof name);
         const std::string text(name, length > 0 ? static_cast<std::size_t>(length) : 0);
         if (text.starts_with("pipe:")) // its number differs from run to run, like that of the process
             return "pipe";
@@ -122,11 +128,6 @@ Turn turnOf(const char* function, const Target& target) {
 
 bool fails(const char* function, const Target& target) {
     return turnOf(function, target) == Turn::fails;
-}
-
-/// The function of the same name behind this library.
-template <class Function> Function* next(const char* name, Function* /*sameType*/) {
-    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
 [[noreturn]] void unexpected(const char* function) {
@@ -307,6 +308,27 @@ int fchmod(int, mode_t) noexcept {
 }
 int fsync(int) {
     unexpected("fsync");
+}
+int syncfs(int) noexcept {
+    unexpected("syncfs");
+}
+int posix_fadvise(int, off_t, off_t, int) noexcept {
+    unexpected("posix_fadvise");
+}
+int futimens(int, const timespec*) noexcept {
+    unexpected("futimens");
+}
+ssize_t flistxattr(int, char*, size_t) noexcept {
+    unexpected("flistxattr");
+}
+ssize_t fgetxattr(int, const char*, void*, size_t) noexcept {
+    unexpected("fgetxattr");
+}
+int fsetxattr(int, const char*, const void*, size_t, int) noexcept {
+    unexpected("fsetxattr");
+}
+ssize_t readlink(const char*, char*, size_t) noexcept {
+    unexpected("readlink");
 }
 int rename(const char*, const char*) noexcept {
     unexpected("rename");

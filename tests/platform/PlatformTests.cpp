@@ -15,6 +15,9 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#ifdef __linux__
+#include <sys/xattr.h>
+#endif
 
 namespace korvanti {
 namespace {
@@ -42,6 +45,49 @@ TEST(PlatformTests, whereNothingIsPurgeableAnImportantUseMayHaveWhatIsFree) {
     EXPECT_EQ(capacity.availableImportant, capacity.available);
 }
 #endif
+
+TEST(PlatformTests, aFolderTakesOverWhatAnotherOneIs) {
+    const TempFolder temp;
+    temp.folder("from");
+    temp.folder("to");
+    temp.setMode("from", 02751);
+    temp.setModified("from", 1'700'000'000);
+    const FileDescriptor from(Platform::openFolder(temp.path("from")));
+    const FileDescriptor to(Platform::openFolder(temp.path("to")));
+#ifdef __linux__
+    const std::string value("\0colour", 7);
+    ASSERT_EQ(::fsetxattr(from.get(), "user.colour", value.data(), value.size(), 0), 0);
+    ASSERT_EQ(::fsetxattr(from.get(), "user.empty", nullptr, 0, 0), 0);
+#endif
+    EXPECT_EQ(Platform::copyFolderFacts(from.get(), to.get()), 0);
+
+    struct stat status {};
+    ASSERT_EQ(::fstat(to.get(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 02751u);
+    EXPECT_EQ(status.st_mtime, 1'700'000'000);
+#ifdef __linux__
+    char copied[16] = {};
+    EXPECT_EQ(::fgetxattr(to.get(), "user.colour", copied, sizeof copied), 7);
+    EXPECT_EQ(std::string(copied, 7), value);
+    EXPECT_EQ(::fgetxattr(to.get(), "user.empty", copied, sizeof copied), 0);
+#endif
+}
+
+TEST(PlatformTests, whatCannotBeTakenOverIsAnError) {
+    const TempFolder temp;
+    const FileDescriptor folder(Platform::openFolder(temp.path()));
+    EXPECT_EQ(Platform::copyFolderFacts(-1, folder.get()), EBADF);
+    EXPECT_EQ(Platform::copyFolderFacts(folder.get(), -1), EBADF);
+}
+
+TEST(PlatformTests, filesAndVolumesAreFlushed) {
+    const TempFolder temp;
+    const FileDescriptor folder(Platform::openFolder(temp.path()));
+    EXPECT_EQ(Platform::flushFile(folder.get()), 0);
+    EXPECT_EQ(Platform::flushVolume(folder.get()), 0);
+    EXPECT_EQ(Platform::flushFile(-1), EBADF);
+    EXPECT_EQ(Platform::flushVolume(-1), EBADF);
+}
 
 TEST(PlatformTests, memoryIsInstalledAndSwapIsNotNegative) {
     EXPECT_GT(Platform::physicalMemory(), 16'000'000);

@@ -6,6 +6,7 @@
 typedef NSString* NSURLResourceKey;
 
 extern "C" NSURLResourceKey const NSURLVolumeAvailableCapacityForImportantUsageKey;
+extern "C" NSURLResourceKey const NSURLVolumeIsRootFileSystemKey;
 
 @interface NSURL (AppleDeclarations)
 @property(readonly) const char* fileSystemRepresentation;
@@ -16,7 +17,14 @@ extern "C" NSURLResourceKey const NSURLVolumeAvailableCapacityForImportantUsageK
                                                        error:(NSError**)error;
 @end
 
+typedef NS_OPTIONS(NSUInteger, NSVolumeEnumerationOptions) {
+    NSVolumeEnumerationSkipHiddenVolumes = 1UL << 1,
+    NSVolumeEnumerationProduceFileReferenceURLs = 1UL << 2,
+};
+
 @interface NSFileManager (AppleDeclarations)
+- (NSArray<NSURL*>*)mountedVolumeURLsIncludingResourceValuesForKeys:(NSArray<NSURLResourceKey>*)propertyKeys
+                                                            options:(NSVolumeEnumerationOptions)options;
 - (BOOL)trashItemAtURL:(NSURL*)url resultingItemURL:(NSURL**)outResultingURL error:(NSError**)error;
 @end
 

@@ -41,6 +41,21 @@ void printPassages(const std::string& home) {
     ::close(passage);
 }
 
+/// A file without a name, where there are such; the one that is flushed lies nowhere.
+void printVolumes(const std::string& home) {
+    for (const auto& volume : Platform::mountedVolumes())
+        std::printf("volume %s at %s (%s): %s, %s, %lld of %lld bytes free\n",
+                    volume.name.value_or("?").c_str(), volume.mountPath.c_str(), volume.fsType.c_str(),
+                    volume.uuid.value_or("?").c_str(), volume.formatDescription.value_or("?").c_str(),
+                    static_cast<long long>(volume.available.value_or(-1)),
+                    static_cast<long long>(volume.total.value_or(-1)));
+    const int file = Platform::openNamelessFile(home);
+    Platform::bypassCache(file);
+    std::printf("taken over: error %d\n", Platform::copyFolderFacts(file, file));
+    std::printf("flushed: errors %d and %d\n", Platform::flushFile(file), Platform::flushVolume(file));
+    ::close(file);
+}
+
 } // namespace
 
 int main() {
@@ -84,5 +99,6 @@ int main() {
     }
     ::close(folder);
     printPassages(home);
+    printVolumes(home);
     return 0;
 }

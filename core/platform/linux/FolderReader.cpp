@@ -72,6 +72,7 @@ const FolderEntry* FolderReader::next() {
                 entry_.allocatedBytes = multiplyChecked<std::int64_t>(facts.st_blocks, 512);
                 entry_.logicalBytes = facts.st_size;
                 entry_.modifiedSeconds = facts.st_mtim.tv_sec;
+                entry_.modifiedNanoseconds = facts.st_mtim.tv_nsec;
             }
         }
         return &entry_;

@@ -2,18 +2,22 @@
 
 #include "base/FileDescriptor.h"
 #include "base/SystemCall.h"
+#include "platform/linux/KernelFile.h"
 #include "platform/linux/MountInfo.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstdlib>
 #include <fcntl.h>
+#include <linux/limits.h>
 #include <pwd.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/sysinfo.h>
 #include <sys/sysmacros.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace korvanti::Platform {
@@ -36,25 +40,33 @@ std::string accountHome() {
     return error == 0 && found ? found->pw_dir : std::string();
 }
 
-/// A file of /proc has no length of its own, so it is read to its end. Empty when any of it can't be read.
-std::string kernelFile(const char* path) {
-    std::string text;
-    const FileDescriptor file(uninterrupted([&] { return ::open(path, O_RDONLY | O_CLOEXEC); }));
-    char buffer[16 * 1024];
-    while (true) {
-        const auto count = uninterrupted([&] { return ::read(file.get(), buffer, sizeof buffer); });
-        if (count < 0)
-            return {};
-        if (count == 0)
-            return text;
-        text.append(buffer, static_cast<std::size_t>(count));
-    }
-}
-
 /// Sizes beyond the signed range are as good as its end.
 std::int64_t saturatedProduct(std::uint64_t count, std::uint64_t unit) {
     std::int64_t product = 0;
     return __builtin_mul_overflow(count, unit, &product) ? INT64_MAX : product;
+}
+
+/// Those that an ordinary user may set. 0, or -1 with `errno`.
+int copyAttributes(int from, int to) {
+    std::vector<char> names(XATTR_LIST_MAX);
+    std::vector<char> value(XATTR_SIZE_MAX);
+    const auto length = uninterrupted([&] { return ::flistxattr(from, names.data(), names.size()); });
+    if (length < 0)
+        return errno == ENOTSUP ? 0 : -1;
+    std::string_view rest(names.data(), static_cast<std::size_t>(length));
+    while (!rest.empty()) {
+        const char* name = rest.data();
+        rest.remove_prefix(std::string_view(name).size() + 1);
+        if (!std::string_view(name).starts_with("user.") &&
+            !std::string_view(name).starts_with("system.posix_acl_"))
+            continue;
+        const auto size = uninterrupted([&] { return ::fgetxattr(from, name, value.data(), value.size()); });
+        if (size < 0 || uninterrupted([&] {
+                            return ::fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0);
+                        }) != 0)
+            return -1;
+    }
+    return 0;
 }
 
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
@@ -82,6 +94,30 @@ VolumeCapacity volumeCapacity(const std::string& path) {
     return {.total = saturatedProduct(volume.f_blocks, volume.f_frsize),
             .available = available,
             .availableImportant = available}; // nothing is purgeable
+}
+
+void bypassCache(int file) {
+    const int flags = uninterrupted([&] { return ::fcntl(file, F_GETFL); });
+    if (flags >= 0) // refused where the file system can't: a plain file is right, too
+        ::fcntl(file, F_SETFL, flags | O_DIRECT);
+    ::posix_fadvise(file, 0, 0, POSIX_FADV_DONTNEED);
+}
+
+int flushFile(int file) {
+    return uninterrupted([&] { return ::fsync(file); }) == 0 ? 0 : errno;
+}
+
+int flushVolume(int file) {
+    return uninterrupted([&] { return ::syncfs(file); }) == 0 ? 0 : errno;
+}
+
+int copyFolderFacts(int from, int to) {
+    struct stat facts {};
+    if (uninterrupted([&] { return ::fstat(from, &facts); }) != 0 || copyAttributes(from, to) != 0 ||
+        uninterrupted([&] { return ::fchmod(to, facts.st_mode & 07777); }) != 0)
+        return errno;
+    const timespec times[] = {facts.st_atim, facts.st_mtim};
+    return uninterrupted([&] { return ::futimens(to, times); }) == 0 ? 0 : errno;
 }
 
 std::int64_t swapUsed() {

@@ -99,8 +99,11 @@ Record parseRecord(const char* at) {
     }
     if (returned.commonattr & ATTR_CMN_OBJTYPE)
         record.entry.kind = kindOfType(take<fsobj_type_t>(at));
-    if (returned.commonattr & ATTR_CMN_MODTIME)
-        record.entry.modifiedSeconds = take<timespec>(at).tv_sec;
+    if (returned.commonattr & ATTR_CMN_MODTIME) {
+        const auto modified = take<timespec>(at);
+        record.entry.modifiedSeconds = modified.tv_sec;
+        record.entry.modifiedNanoseconds = modified.tv_nsec;
+    }
     if (returned.commonattr & ATTR_CMN_FNDRINFO) {
         const auto info = take<FinderInfo>(at);
         record.entry.hidden = info.invisible();
@@ -139,6 +142,7 @@ bool askByName(int folder, const char* name, FolderEntry& entry) {
         return false;
     entry.kind = kindOfMode(info.st_mode);
     entry.modifiedSeconds = info.st_mtimespec.tv_sec;
+    entry.modifiedNanoseconds = info.st_mtimespec.tv_nsec;
     entry.hidden = (info.st_flags & UF_HIDDEN) != 0;
     if (entry.kind != EntryKind::folder) {
         entry.allocatedBytes = multiplyChecked<std::int64_t>(info.st_blocks, 512);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <copyfile.h>
 #include <cstdlib>
 #include <fcntl.h>
 #include <pthread.h>
@@ -50,6 +51,10 @@ template <class Value> Value systemValue(const char* name) {
     return value;
 }
 
+bool isNotSupported(int error) {
+    return error == ENOTSUP || error == ENOTTY || error == EINVAL;
+}
+
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
 constexpr int passageFlags = O_SEARCH | O_CLOEXEC;
 
@@ -85,6 +90,41 @@ std::vector<std::string> mountPoints() {
     for (const auto& mount : mounts)
         paths.emplace_back(mount.f_mntonname);
     return paths;
+}
+
+// There are none here.
+int openNamelessFile(const std::string& /*folder*/) {
+    errno = ENOTSUP;
+    return -1;
+}
+
+void bypassCache(int file) {
+    ::fcntl(file, F_NOCACHE, 1);
+}
+
+// Past the drive's own cache. Where there is no such command the plain one must do; any other error is one.
+int flushFile(int file) {
+    if (uninterrupted([&] { return ::fcntl(file, F_FULLFSYNC); }) == 0)
+        return 0;
+    if (!isNotSupported(errno))
+        return errno;
+    return uninterrupted([&] { return ::fsync(file); }) == 0 ? 0 : errno;
+}
+
+// These calls give the error number itself.
+int flushVolume(int file) {
+    const auto flush = [file](int flags) {
+        int error = EINTR;
+        while (error == EINTR)
+            error = ::fsync_volume_np(file, flags);
+        return error;
+    };
+    const int error = flush(SYNC_VOLUME_FULLSYNC | SYNC_VOLUME_WAIT);
+    return isNotSupported(error) ? flush(SYNC_VOLUME_WAIT) : error;
+}
+
+int copyFolderFacts(int from, int to) {
+    return uninterrupted([&] { return ::fcopyfile(from, to, nullptr, COPYFILE_METADATA); }) == 0 ? 0 : errno;
 }
 
 std::int64_t swapUsed() {
