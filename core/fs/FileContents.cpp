@@ -2,6 +2,7 @@
 
 #include "base/FileDescriptor.h"
 #include "base/SystemCall.h"
+#include "platform/Platform.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -11,6 +12,7 @@
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace korvanti::FileContents {
 namespace {
@@ -29,34 +31,44 @@ bool writeAll(int file, std::string_view bytes) {
     return true;
 }
 
-/// To the disk itself, where the system can.
+/// To the disk itself. Sets `errno` when it fails.
 bool flush(int file) {
-#ifdef F_FULLFSYNC
-    if (::fcntl(file, F_FULLFSYNC) == 0)
-        return true;
-#endif
-    return uninterrupted([&] { return ::fsync(file); }) == 0;
+    errno = Platform::flushFile(file);
+    return errno == 0;
 }
 
-/// Open, with its length; no descriptor where it can't be read or is no regular file.
+/// So that a new name lasts, too. Some file systems can't: then it lasts when they see fit.
+void flushFolderOf(const std::string& path) {
+    const auto slash = path.rfind('/');
+    const FileDescriptor folder(Platform::openFolder(
+        slash == std::string::npos ? "." : path.substr(0, slash + 1), Platform::Links::follow));
+    if (folder)
+        static_cast<void>(Platform::flushFile(folder.get()));
+}
+
+/// Open, with its length; no descriptor and the reason where it can't be read or is no regular file.
 struct RegularFile {
     /// A relative path starts from the open folder `at`.
     explicit RegularFile(const std::string& path, int at = AT_FDCWD)
         : descriptor(uninterrupted(
               [&] { return ::openat(at, path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); })) {
         struct stat status {};
-        if (uninterrupted([&] { return ::fstat(descriptor.get(), &status); }) != 0 ||
-            !S_ISREG(status.st_mode))
+        if (!descriptor || uninterrupted([&] { return ::fstat(descriptor.get(), &status); }) != 0)
+            error = lastError();
+        else if (!S_ISREG(status.st_mode))
+            error = {S_ISDIR(status.st_mode) ? EISDIR : EINVAL, std::generic_category()};
+        if (error)
             descriptor.reset();
         length = status.st_size;
     }
 
     FileDescriptor descriptor;
+    std::error_code error;
     std::int64_t length = 0;
 };
 
-/// At most `limit` bytes from where the file stands; absent when it can't be read.
-std::optional<std::string> readUpTo(std::int64_t limit, int file) {
+/// At most `limit` bytes from where the file stands, or the system's error.
+std::expected<std::string, std::error_code> readUpTo(std::int64_t limit, int file) {
     std::string bytes;
     char buffer[64 * 1024];
     while (true) {
@@ -65,7 +77,7 @@ std::optional<std::string> readUpTo(std::int64_t limit, int file) {
         const auto count =
             uninterrupted([&] { return ::read(file, buffer, static_cast<std::size_t>(room)); });
         if (count < 0)
-            return std::nullopt;
+            return std::unexpected(lastError());
         if (count == 0)
             return bytes;
         bytes.append(buffer, static_cast<std::size_t>(count));
@@ -73,11 +85,20 @@ std::optional<std::string> readUpTo(std::int64_t limit, int file) {
 }
 
 /// The whole of it.
-std::optional<std::string> read(const RegularFile& file, std::int64_t limit) {
-    if (!file.descriptor || file.length > limit)
-        return std::nullopt;
+std::expected<std::string, std::error_code> read(const RegularFile& file, std::int64_t limit) {
+    const auto tooLarge = std::unexpected(std::make_error_code(std::errc::file_too_large));
+    if (!file.descriptor)
+        return std::unexpected(file.error);
+    if (file.length > limit)
+        return tooLarge;
     auto bytes = readUpTo(limit + 1, file.descriptor.get()); // it may grow meanwhile
-    return bytes && static_cast<std::int64_t>(bytes->size()) <= limit ? bytes : std::nullopt;
+    if (bytes && std::cmp_greater(bytes->size(), limit))
+        return tooLarge;
+    return bytes;
+}
+
+std::optional<std::string> orNothing(std::expected<std::string, std::error_code> bytes) {
+    return bytes ? std::optional(std::move(*bytes)) : std::nullopt;
 }
 
 std::optional<PropertyList> propertyListIn(const RegularFile& file) {
@@ -88,6 +109,10 @@ std::optional<PropertyList> propertyListIn(const RegularFile& file) {
 } // namespace
 
 std::optional<std::string> read(const std::string& path, std::int64_t limit) {
+    return orNothing(readOrError(path, limit));
+}
+
+std::expected<std::string, std::error_code> readOrError(const std::string& path, std::int64_t limit) {
     return read(RegularFile(path), limit);
 }
 
@@ -101,7 +126,7 @@ std::optional<PropertyList> readPropertyList(int folder, const std::string& rela
 
 std::optional<std::string> readStart(const std::string& path, std::int64_t limit) {
     const RegularFile file(path);
-    return file.descriptor ? readUpTo(limit, file.descriptor.get()) : std::nullopt;
+    return file.descriptor ? orNothing(readUpTo(limit, file.descriptor.get())) : std::nullopt;
 }
 
 std::expected<void, std::error_code> writeAtomically(const std::string& path, std::string_view bytes) {
@@ -117,6 +142,7 @@ std::expected<void, std::error_code> writeAtomically(const std::string& path, st
         ::unlink(temporary.c_str());
         return std::unexpected(error);
     }
+    flushFolderOf(path);
     return {};
 }
 

@@ -2,9 +2,11 @@
 
 #include "base/FileDescriptor.h"
 #include "base/SystemCall.h"
+#include "base/Text.h"
 #include "platform/Platform.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <filesystem>
 #include <memory>
@@ -39,6 +41,41 @@ std::vector<std::int64_t> versionNumbers(std::string_view text) {
         at = behind;
     }
     return numbers;
+}
+
+/// The path without "." and "..", none of which leads above the root.
+std::string withoutDots(std::string_view path) {
+    std::vector<std::string_view> names;
+    for (const auto name : Text::pieces(path, '/')) {
+        if (name == "..") {
+            if (!names.empty())
+                names.pop_back();
+        } else if (name != ".") {
+            names.push_back(name);
+        }
+    }
+    std::string whole = "/";
+    for (const auto name : names)
+        whole = joined(whole, name);
+    return whole;
+}
+
+/// The path by the shorter way that a Mac's links at the root give to some of its folders, where there is
+/// one.
+std::string withoutPrivate(std::string path) {
+    static constexpr std::array<std::string_view, 3> prefixes = {"/private/var/automount", "/var/automount",
+                                                                 "/private"};
+    static constexpr std::array<std::string_view, 12> kept = {"Applications", "Library", "System", "Users",
+                                                              "Volumes",      "bin",     "cores",  "dev",
+                                                              "opt",          "private", "sbin",   "usr"};
+    const auto prefix = std::ranges::find_if(
+        prefixes, [&](std::string_view folder) { return path.starts_with(joined(folder, "")); });
+    if (prefix == prefixes.end())
+        return path;
+    auto shorter = path.substr(prefix->size());
+    const auto first = std::string_view(shorter).substr(1, shorter.find('/', 1) - 1);
+    const bool stays = std::ranges::find(kept, first) != kept.end() || !exists(shorter);
+    return stays ? path : shorter;
 }
 
 } // namespace
@@ -110,6 +147,22 @@ std::expected<std::string, std::error_code> realPath(const std::string& path) {
     if (error)
         return std::unexpected(error);
     return real.string();
+}
+
+std::string standardized(const std::string& path) {
+    if (!path.starts_with('/'))
+        return path;
+    const auto names = Text::pieces(path, '/');
+    const bool leadsUp = std::ranges::find(names, "..") != names.end();
+    return withoutPrivate(withoutDots(leadsUp && exists(path) ? resolved(path) : path));
+}
+
+std::expected<std::string, std::error_code> linkTarget(const std::string& path) {
+    std::error_code error;
+    const auto target = std::filesystem::read_symlink(path, error);
+    if (error)
+        return std::unexpected(error);
+    return target.string();
 }
 
 std::strong_ordering compareVersions(std::string_view a, std::string_view b) {

@@ -47,6 +47,15 @@ struct Entry {
 /// The same, or the system's error where not all of it exists or can be gone through.
 [[nodiscard]] std::expected<std::string, std::error_code> realPath(const std::string& path);
 
+/// An absolute path in the platform's standard spelling: without ".", "..", repeated and trailing slashes,
+/// and without "/private" in front where the rest alone leads somewhere in a folder that is a link to there.
+/// Links are followed only where there is a "..", which means something else behind one. A path that is not
+/// absolute stays as it is.
+[[nodiscard]] std::string standardized(const std::string& path);
+
+/// What a link says, followed no further; the system's error where there is no link.
+[[nodiscard]] std::expected<std::string, std::error_code> linkTarget(const std::string& path);
+
 /// Shell pattern without flags, as the Mac's `fnmatch` takes it, byte by byte: `*` and `?` also match a slash
 /// and a leading dot.
 [[nodiscard]] bool matches(std::string_view name, std::string_view pattern);

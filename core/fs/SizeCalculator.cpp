@@ -8,8 +8,9 @@
 namespace korvanti::SizeCalculator {
 
 SizeResult measure(const std::string& path, Options options) {
-    return TreeWalk::measure(
-        path, {.trackNewest = options.trackNewest, .ignoreAppleDouble = options.ignoreAppleDouble});
+    return TreeWalk::measure(path, {.trackNewest = options.trackNewest,
+                                    .ignoreAppleDouble = options.ignoreAppleDouble,
+                                    .takeStamp = options.takeStamp});
 }
 
 std::unordered_map<std::string, SizeResult> measureAll(const std::vector<std::string>& paths,

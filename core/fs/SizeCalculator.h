@@ -18,6 +18,7 @@ struct SizeResult {
     std::vector<std::string> mountPoints; ///< folders not entered: another volume is mounted there
     std::int64_t unreadable = 0;          ///< above 0 the size is a lower bound
     std::optional<Instant> newest;        ///< latest content modification, whole seconds
+    std::uint64_t stamp = 0; ///< of a measurement asked for it: another one when the tree has changed since
     bool operator==(const SizeResult&) const = default;
 };
 
@@ -26,6 +27,8 @@ namespace SizeCalculator {
 struct Options {
     bool trackNewest = false;       ///< fill `newest` while walking a folder; a single file always has it
     bool ignoreAppleDouble = false; ///< leave out "._*" files inside a folder
+    bool takeStamp =
+        false; ///< fill `stamp`, by the names, kinds, lengths and modification times of all entries
 };
 
 /// Measures one path without following links or entering another volume. A link itself is empty.

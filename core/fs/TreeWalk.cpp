@@ -6,12 +6,14 @@
 #include "fs/MountTable.h"
 #include "fs/PathTools.h"
 #include "fs/WalkPool.h"
+#include "platform/EntryKinds.h"
 #include "platform/Platform.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <mutex>
 #include <sys/resource.h>
@@ -58,6 +60,7 @@ struct Totals {
     std::int64_t files = 0;
     std::int64_t unreadable = 0;
     std::int64_t newest = never; ///< seconds since 1970
+    std::uint64_t stamp = 0;     ///< a sum, so that the order of the walk does not count
 
     void add(const Totals& other) {
         bytes = addChecked(bytes, other.bytes);
@@ -65,21 +68,51 @@ struct Totals {
         files += other.files;
         unreadable += other.unreadable;
         newest = std::max(newest, other.newest);
+        stamp += other.stamp;
     }
 
     [[nodiscard]] SizeResult result() const {
-        SizeResult result{
-            .bytes = bytes, .logicalBytes = logicalBytes, .files = files, .unreadable = unreadable};
+        SizeResult result{.bytes = bytes,
+                          .logicalBytes = logicalBytes,
+                          .files = files,
+                          .unreadable = unreadable,
+                          .stamp = stamp};
         if (newest != never)
             result.newest = instantFromSeconds(newest);
         return result;
     }
 
     static Totals of(const SizeResult& size) {
-        return {size.bytes, size.logicalBytes, size.files, size.unreadable,
-                size.newest ? wholeSeconds(*size.newest) : never};
+        return {size.bytes,
+                size.logicalBytes,
+                size.files,
+                size.unreadable,
+                size.newest ? wholeSeconds(*size.newest) : never,
+                size.stamp};
     }
 };
+
+/// One number for all of them, well spread: many are added up.
+template <class... Values> std::uint64_t mixed(const Values&... values) {
+    std::uint64_t hash = 0;
+    const auto mixIn = [&hash](std::uint64_t value) { // the finaliser of SplitMix64
+        hash += value + 0x9e37'79b9'7f4a'7c15;
+        hash = (hash ^ (hash >> 30)) * 0xbf58'476d'1ce4'e5b9;
+        hash = (hash ^ (hash >> 27)) * 0x94d0'49bb'1331'11eb;
+        hash ^= hash >> 31;
+    };
+    (mixIn(std::hash<Values>()(values)), ...);
+    return hash;
+}
+
+/// By where the entry lies and what the listing tells; not by numbers of inodes, which some file systems make
+/// up anew each time. A folder has its place only.
+std::uint64_t stampOf(std::uint64_t folder, const Platform::FolderEntry& entry) {
+    if (entry.kind == Platform::EntryKind::folder)
+        return mixed(folder, entry.name);
+    return mixed(folder, entry.name, static_cast<int>(entry.kind), entry.logicalBytes,
+                 entry.modifiedSeconds.value_or(0), entry.modifiedNanoseconds);
+}
 
 class Walk;
 
@@ -90,6 +123,7 @@ struct Folder {
     FolderPointer parent; ///< null for the root
     std::string name;     ///< the root's is its full path
     const KnownFolder* known = nullptr;
+    std::uint64_t stamp = 0; ///< of its place, where stamps are taken
     int depth = 0;
     bool entered = false;
     Platform::FolderIdentity identity;
@@ -156,13 +190,13 @@ public:
         }
     }
 
-    SizeResult run(const std::string& path) {
+    std::optional<SizeResult> run(const std::string& path) {
         const FolderPointer root(new Folder(*this, {}, path));
         root->known = options_.known ? options_.known->find(path) : nullptr;
         root->descriptor = FileDescriptor(Platform::openFolder(path));
         const auto identity = identityOf(*root);
         if (!identity)
-            return {.unreadable = 1};
+            return std::nullopt;
         root->identity = *identity;
         WalkPool::run([&] {
             list(*root);
@@ -183,6 +217,8 @@ public:
             const auto path = folder.path();
             options_.told(path, resultOf(folder, path));
         }
+        if (options_.toldPart && folder.depth <= 2)
+            tellPart(folder);
     }
 
 private:
@@ -192,6 +228,15 @@ private:
         constexpr std::int64_t large = 500; // files
         return (folder.known && folder.known->wanted) ||
                (folder.depth <= deepest && folder.totals.files >= large);
+    }
+
+    void tellPart(const Folder& folder) const {
+        const auto& totals = folder.totals;
+        if (totals.files > 0 || totals.unreadable > 0)
+            options_.toldPart({.folder = folder.depth == 1 ? std::string_view() : folder.parent->name,
+                               .name = folder.name,
+                               .bytes = totals.bytes,
+                               .unreadable = totals.unreadable});
     }
 
     /// What an earlier walk has counted of the folder, if one has.
@@ -227,6 +272,8 @@ private:
     /// The child folder, open; null when it is not to be entered or can't be.
     FolderPointer open(const FolderPointer& parent, const char* name) {
         FolderPointer child(new Folder(*this, parent, name));
+        if (options_.takeStamp)
+            child->stamp = mixed(parent->stamp, child->name);
         if (mountNames_.contains(child->name) && mountPoints_.contains(child->path())) {
             addMountPoint(child->path());
             return {};
@@ -240,7 +287,7 @@ private:
             return {};
         const auto identity = identityOf(*child);
         if (!identity) {
-            add(*parent, {.unreadable = 1});
+            add(*child, {.unreadable = 1});
             return {};
         }
         if (identity->mountRoot || identity->device != parent->identity.device) {
@@ -271,9 +318,12 @@ private:
     void list(Folder& folder) {
         static thread_local const auto buffer = std::make_unique<Platform::FolderBuffer>();
         folder.entered = true;
+        const bool tells = options_.toldPart && !folder.parent;
         Totals own;
         Platform::FolderReader reader(folder.descriptor.get(), *buffer, Platform::EntryFacts::sizes);
         while (const auto* entry = reader.next()) {
+            if (options_.takeStamp)
+                own.stamp += stampOf(folder.stamp, *entry);
             if (entry->kind == Platform::EntryKind::folder) {
                 if (entry->mountPoint) {
                     addMountPoint(PathTools::joined(folder.path(), entry->name));
@@ -290,6 +340,8 @@ private:
                      .files = 1,
                      .newest = options_.trackNewest ? entry->modifiedSeconds.value_or(Totals::never)
                                                     : Totals::never});
+            if (tells) // nobody else does yet
+                options_.toldPart({.folder = {}, .name = entry->name, .bytes = entry->allocatedBytes});
         }
         own.unreadable = reader.failed() ? 1 : 0;
         add(folder, own);
@@ -376,11 +428,17 @@ SizeResult measure(const std::string& path, const Options& options) {
     if (S_ISLNK(status.st_mode))
         return {};
     if (S_ISDIR(status.st_mode))
-        return Walk(path, options).run(path);
+        return measureFolder(path, options).value_or(SizeResult{.unreadable = 1});
+    const auto modified = Platform::modificationOf(status);
     return {.bytes = multiplyChecked<std::int64_t>(status.st_blocks, 512),
             .logicalBytes = status.st_size,
             .files = 1,
-            .newest = instantFromSeconds(status.st_mtime)};
+            .newest = instantFromSeconds(status.st_mtime),
+            .stamp = options.takeStamp ? mixed(status.st_size, modified.tv_sec, modified.tv_nsec) : 0};
+}
+
+std::optional<SizeResult> measureFolder(const std::string& path, const Options& options) {
+    return Walk(path, options).run(path);
 }
 
 } // namespace korvanti::TreeWalk

@@ -44,6 +44,31 @@ TEST_F(FileContentsTests, aFileOverTheLimitIsNotRead) {
               std::nullopt);
 }
 
+TEST_F(FileContentsTests, whatCanNotBeReadTellsWhy) {
+    ASSERT_EQ(::mkfifo(temp.path("pipe").c_str(), 0600), 0);
+    temp.file("file", {.text = "12345"});
+    const auto reasonAt = [](const std::string& path, std::int64_t limit = 5) {
+        const auto bytes = FileContents::readOrError(path, limit);
+        return bytes ? std::error_code() : bytes.error();
+    };
+    const auto reason = [&](const std::string& relative) { return reasonAt(temp.path(relative)); };
+    EXPECT_EQ(reason("missing"), std::errc::no_such_file_or_directory);
+    temp.symlink("dangling", "nowhere");
+    EXPECT_EQ(reason("dangling"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(reason("file/below"), std::errc::not_a_directory);
+    EXPECT_EQ(reason(""), std::errc::is_a_directory);
+    EXPECT_EQ(reason("pipe"), std::errc::invalid_argument);
+    temp.symlink("circle", "circle");
+    EXPECT_EQ(reason("circle"), std::errc::too_many_symbolic_link_levels);
+    EXPECT_EQ(reasonAt(temp.path("file"), 4), std::errc::file_too_large);
+    EXPECT_EQ(reason("file"), std::error_code());
+    EXPECT_EQ(FileContents::readOrError(temp.path("file")), "12345");
+#ifdef __linux__
+    EXPECT_EQ(reasonAt("/proc/self/mem"), std::errc::io_error);
+    EXPECT_EQ(reasonAt("/proc/self/status", 10), std::errc::file_too_large);
+#endif
+}
+
 TEST_F(FileContentsTests, theStartOfAFileIsReadUpToTheLimit) {
     const auto file = temp.file("file", {.text = std::string("1\0"
                                                              "345",

@@ -167,6 +167,18 @@ TEST_F(PathToolsTests, aPathIsResolvedThroughAllItsLinks) {
     EXPECT_EQ(PathTools::resolved("/"), "/");
 }
 
+TEST_F(PathToolsTests, aLinkTellsWhereItLeadsWithoutBeingFollowed) {
+    const std::string target = "../no\xff/where";
+    EXPECT_EQ(PathTools::linkTarget(temp.symlink("link", target)), target);
+    EXPECT_EQ(PathTools::linkTarget(temp.symlink("second", "link")), "link");
+}
+
+TEST_F(PathToolsTests, whatIsNoLinkLeadsNowhere) {
+    EXPECT_EQ(PathTools::linkTarget(temp.file("file")).error(), std::errc::invalid_argument);
+    EXPECT_EQ(PathTools::linkTarget(temp.folder("folder")).error(), std::errc::invalid_argument);
+    EXPECT_EQ(PathTools::linkTarget(temp.path("missing")).error(), std::errc::no_such_file_or_directory);
+}
+
 TEST_F(PathToolsTests, aPathThatDoesNotExistAsAWholeStaysAsItIs) {
     temp.folder("folder");
     temp.file("file");
@@ -364,6 +376,55 @@ TEST(PathTextTests, theStemIsTheLastComponentWithoutItsExtension) {
     EXPECT_EQ(PathTools::stem("\xff.\xfe"), "\xff");
     for (const auto* whole : {".app", ".bashrc", "a.", "..x", "v1.2 copy", "plain", "", "/"})
         EXPECT_EQ(PathTools::stem(whole), whole) << whole;
+}
+
+TEST_F(PathToolsTests, aStandardizedPathHasNoDotsAndNoNeedlessSlashes) {
+    const std::vector<std::pair<std::string, std::string>> spellings = {
+        {"/", "/"},
+        {"//", "/"},
+        {"///", "/"},
+        {"/.", "/"},
+        {"/..", "/"},
+        {"/../..", "/"},
+        {"/nowhere", "/nowhere"},
+        {"/nowhere/", "/nowhere"},
+        {"//nowhere//a///", "/nowhere/a"},
+        {"/nowhere/./a/.", "/nowhere/a"},
+        {"/nowhere/a/..", "/nowhere"},
+        {"/nowhere/../../a/b", "/a/b"},
+        {"/nowhere/...", "/nowhere/..."},
+        {"/nowhere/.a/..b", "/nowhere/.a/..b"},
+        {"/nowhere/~", "/nowhere/~"},
+        {"/nowhere/\xff\n", "/nowhere/\xff\n"}};
+    for (const auto& [path, standard] : spellings)
+        EXPECT_EQ(PathTools::standardized(path), standard) << path;
+}
+
+TEST_F(PathToolsTests, aPathThatIsNotAbsoluteIsNotStandardized) {
+    for (const std::string path : {"", "a/", "./a", "../a", "~/a"})
+        EXPECT_EQ(PathTools::standardized(path), path);
+}
+
+TEST_F(PathToolsTests, standardizingFollowsLinksOnlyWhereThePathLeadsUpAndExists) {
+    const auto standard = [&](const std::string& path) { return PathTools::standardized(temp.path(path)); };
+    temp.folder("real/inside");
+    temp.symlink("link", temp.path("real/inside"));
+    EXPECT_EQ(standard("link"), standard("") + "/link");
+    EXPECT_EQ(standard("link/."), standard("") + "/link");
+    EXPECT_EQ(standard("link/.."), standard("") + "/real");
+    EXPECT_EQ(standard("link/../inside"), standard("") + "/real/inside");
+    EXPECT_EQ(standard("link/../missing"), standard("") + "/missing");
+    EXPECT_EQ(standard("missing/../link"), standard("") + "/link");
+}
+
+TEST_F(PathToolsTests, aPathWithAZeroInsideIsStandardizedByItsText) {
+    const std::string zero("\0", 1);
+    temp.folder("real/inside");
+    temp.symlink("link", temp.path("real/inside"));
+    EXPECT_EQ(PathTools::standardized(temp.path("link/../inside") + zero),
+              PathTools::standardized(temp.path("inside")) + zero);
+    EXPECT_EQ(PathTools::standardized(temp.path("link/..") + zero),
+              PathTools::standardized(temp.path("link")) + "/.." + zero);
 }
 
 } // namespace

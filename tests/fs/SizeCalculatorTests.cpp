@@ -114,6 +114,83 @@ TEST_F(SizeCalculatorTests, namesThatAreNoTextAreCountedLikeAnyOther) {
 }
 #endif
 
+class SizeStampTests : public ::testing::Test {
+protected:
+    SizeStampTests() {
+        temp.file("tree/a/file", {.text = "12345", .modified = 1'700'000'000});
+        temp.folder("tree/empty");
+        temp.symlink("tree/link", "target");
+    }
+    [[nodiscard]] std::uint64_t stamp(const std::string& relative = "tree") const {
+        return SizeCalculator::measure(temp.path(relative), {.takeStamp = true}).stamp;
+    }
+    /// The change is seen.
+    template <class Change> void expectSeen(const Change& change) const {
+        const auto before = stamp();
+        change();
+        EXPECT_NE(stamp(), before);
+    }
+
+    TempFolder temp;
+};
+
+TEST_F(SizeStampTests, anUntouchedTreeKeepsItsStamp) {
+    const auto before = stamp();
+    EXPECT_NE(before, 0u);
+    EXPECT_EQ(korvanti::testing::textOf(temp.path("tree/a/file")), "12345");
+    EXPECT_EQ(stamp(), before);
+}
+
+TEST_F(SizeStampTests, noStampIsTakenUnlessAskedFor) {
+    EXPECT_EQ(SizeCalculator::measure(temp.path("tree")).stamp, 0u);
+    EXPECT_EQ(SizeCalculator::measure(temp.path("tree/a/file")).stamp, 0u);
+}
+
+TEST_F(SizeStampTests, aFileWrittenAnewWithTheSameLengthIsSeen) {
+    expectSeen([&] { temp.file("tree/a/file", {.text = "54321"}); });
+}
+
+TEST_F(SizeStampTests, aModificationWithinTheSameSecondIsSeen) {
+    expectSeen([&] {
+        const timespec times[] = {{0, UTIME_OMIT}, {1'700'000'000, 1}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, temp.path("tree/a/file").c_str(), times, 0), 0);
+    });
+}
+
+TEST_F(SizeStampTests, aNewEmptyFileIsSeen) {
+    expectSeen([&] { temp.file("tree/a/new"); });
+}
+
+TEST_F(SizeStampTests, aNewFolderIsSeen) {
+    expectSeen([&] { temp.folder("tree/a/new"); });
+}
+
+TEST_F(SizeStampTests, aNewNameIsSeen) {
+    expectSeen(
+        [&] { ASSERT_EQ(::rename(temp.path("tree/a/file").c_str(), temp.path("tree/a/elif").c_str()), 0); });
+}
+
+TEST_F(SizeStampTests, aFileThatMovesToAnotherFolderIsSeen) {
+    expectSeen([&] {
+        ASSERT_EQ(::rename(temp.path("tree/a/file").c_str(), temp.path("tree/empty/file").c_str()), 0);
+    });
+}
+
+TEST_F(SizeStampTests, twoFilesThatChangePlacesAreSeen) {
+    temp.file("tree/empty/file", {.text = "54321", .modified = 1'700'000'001});
+    expectSeen([&] {
+        ASSERT_EQ(::rename(temp.path("tree/a/file").c_str(), temp.path("tree/other").c_str()), 0);
+        ASSERT_EQ(::rename(temp.path("tree/empty/file").c_str(), temp.path("tree/a/file").c_str()), 0);
+        ASSERT_EQ(::rename(temp.path("tree/other").c_str(), temp.path("tree/empty/file").c_str()), 0);
+    });
+}
+
+TEST_F(SizeStampTests, aSingleFileHasAStampToo) {
+    const auto before = stamp("tree/a/file");
+    temp.file("tree/a/file", {.text = "54321"});
+    EXPECT_NE(stamp("tree/a/file"), before);
+}
+
 TEST_F(SizeCalculatorTests, appleDoubleFilesAreLeftOutOnlyWhenAsked) {
     temp.file("tree/._one", {.allocatedBytes = 4096});
     temp.file("tree/sub/._two", {.allocatedBytes = 4096});
