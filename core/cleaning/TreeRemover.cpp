@@ -228,6 +228,15 @@ private:
     WalkPool::Tasks tasks_;
 };
 
+/// If it is still the one that is held.
+std::expected<void, FileError> removeEntry(const PinnedEntry& entry, int flags) {
+    if (auto there = entry.stillThere(); !there)
+        return there;
+    if (const int error = removeName(entry.parent(), entry.name(), flags))
+        return std::unexpected(fileErrorOf(error, entry.path()));
+    return {};
+}
+
 } // namespace
 
 std::expected<void, FileError> remove(const AdmittedEntry& admitted) {
@@ -235,12 +244,13 @@ std::expected<void, FileError> remove(const AdmittedEntry& admitted) {
     if (entry.isFolder()) {
         if (auto error = Emptying(entry).run())
             return std::unexpected(std::move(*error));
+        return removeIfEmpty(admitted);
     }
-    if (auto there = entry.stillThere(); !there)
-        return there;
-    if (const int error = removeName(entry.parent(), entry.name(), entry.isFolder() ? AT_REMOVEDIR : 0))
-        return std::unexpected(fileErrorOf(error, entry.path()));
-    return {};
+    return removeEntry(entry, 0);
+}
+
+std::expected<void, FileError> removeIfEmpty(const AdmittedEntry& admitted) {
+    return removeEntry(admitted.entry(), AT_REMOVEDIR);
 }
 
 } // namespace korvanti::TreeRemover

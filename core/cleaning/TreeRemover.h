@@ -16,4 +16,7 @@ namespace korvanti::TreeRemover {
 /// descriptors.
 [[nodiscard]] std::expected<void, FileError> remove(const AdmittedEntry& admitted);
 
+/// Removes a folder only if nothing is in it; otherwise it stays (ENOTEMPTY).
+[[nodiscard]] std::expected<void, FileError> removeIfEmpty(const AdmittedEntry& admitted);
+
 } // namespace korvanti::TreeRemover

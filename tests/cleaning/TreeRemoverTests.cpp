@@ -43,6 +43,22 @@ TEST_F(TreeRemoverTests, anEmptyFolderGoes) {
     EXPECT_EQ(left(), Names{"beside"});
 }
 
+TEST_F(TreeRemoverTests, aFolderThatMustBeEmptyGoesOnlyIfItIs) {
+    temp.folder("home/arena/empty");
+    temp.file("home/arena/full/file");
+    EXPECT_EQ(TreeRemover::removeIfEmpty(admitted(home(), arena("empty"), {})), done);
+    EXPECT_EQ(TreeRemover::removeIfEmpty(admitted(home(), arena("full"), {})),
+              failure(std::errc::directory_not_empty, arena("full")));
+    EXPECT_EQ(left(), (Names{"full", "full/file"}));
+}
+
+TEST_F(TreeRemoverTests, aFileIsNoEmptyFolder) {
+    temp.file("home/arena/file");
+    EXPECT_EQ(TreeRemover::removeIfEmpty(admitted(home(), arena("file"), {})),
+              failure(std::errc::not_a_directory, arena("file")));
+    EXPECT_EQ(left(), Names{"file"});
+}
+
 TEST_F(TreeRemoverTests, aFolderGoesWithAllThatIsInIt) {
     for (const auto* file : {"x/a", "x/.hidden", "x/b/c/d/file", "x/b/c/other", "x/b/file", "x/.d/.e/.f"})
         temp.file(std::string("home/arena/") + file, {.text = "text"});
