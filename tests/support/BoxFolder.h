@@ -22,6 +22,7 @@ struct BoxMac {
     BoxFolder applications{"/Applications"};
     BoxFolder privacy{"/Library/Application Support/com.apple.TCC"};
     BoxFolder answers{"/box/answers"};
+    BoxFolder defaults{"/box/defaults"}; ///< what "defaults" remembers: a folder a domain, a file a key
 
     /// An application with nothing but its bundle identifier.
     void installApplication(const std::string& name, const std::string& bundleIdentifier) const;
@@ -29,7 +30,8 @@ struct BoxMac {
     void grantFullDiskAccess() const;
 
     /// What a stand-in ("diskutil", "xcrun", "xcode-select", "tmutil", "ps", "pgrep", "pkill") says when it
-    /// is called with just these arguments, one blank between them. One without an answer fails.
+    /// is called with just these arguments, one blank between them. One without an answer fails; "defaults"
+    /// then does its own work.
     void answer(const std::string& call, const std::string& text, int status = 0) const;
     /// The same as a shell script that is run in its place.
     void answerWithScript(const std::string& call, const std::string& script) const;
