@@ -4,6 +4,7 @@
 #include "base/CheckedMath.h"
 #include "base/Formatters.h"
 #include "base/Text.h"
+#include "terminal/TextColumns.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -12,20 +13,11 @@
 namespace korvanti::ReportText {
 namespace {
 
+using TextColumns::leftAligned;
+using TextColumns::rightAligned;
+
 /// Rows that a category shows without `allItems`.
 constexpr std::size_t shortSection = 12;
-
-std::string spaces(std::string_view text, std::size_t width) {
-    const auto count = Text::characterCount(text);
-    return std::string(count < width ? width - count : 0, ' ');
-}
-
-std::string leftAligned(std::string_view text, std::size_t width) {
-    return std::string(text) + spaces(text, width);
-}
-std::string rightAligned(std::string_view text, std::size_t width) {
-    return spaces(text, width) + std::string(text);
-}
 
 std::string smartLine(const SmartInfo& smart, std::int64_t swapUsed) {
     const auto wear = smart.percentageUsed ? fmt::format("{}%", *smart.percentageUsed) : "?";

@@ -1,12 +1,16 @@
 #include "terminal/TerminalFace.h"
 
+#include "analysis/StorageMapper.h"
 #include "base/Instant.h"
 #include "base/Json.h"
+#include "drives/VolumeService.h"
 #include "platform/Platform.h"
 #include "scan/ReportJson.h"
 #include "scanner/Scanner.h"
 #include "settings/KorvantiSettings.h"
+#include "terminal/MapText.h"
 #include "terminal/ReportText.h"
+#include "terminal/VolumeText.h"
 
 #include <algorithm>
 #include <array>
@@ -18,7 +22,8 @@
 namespace korvanti::TerminalFace {
 namespace {
 
-constexpr std::array<std::string_view, 4> flags = {"--report", "--all", "--json", "--help"};
+constexpr std::array<std::string_view, 6> flags = {"--report",  "--all", "--json",
+                                                   "--volumes", "--map", "--help"};
 
 constexpr std::string_view usage =
     "Korvanti — bikin storage Mac lemvar lagi (bonus pintar untuk developer iOS & Android)\n"
@@ -51,6 +56,11 @@ bool printLine(int descriptor, std::string line) {
     return true;
 }
 
+/// Safe from many threads: a line is one write.
+void printProgress(const std::string& text) {
+    printLine(STDERR_FILENO, "· " + text);
+}
+
 ScanReport scan(const Scanner::Progress& progress) {
     const Scanner scanner = {.settings = KorvantiSettings::load(), .home = Platform::homeFolder()};
     return scanner.run(Scanner::defaultProviders(), progress);
@@ -60,12 +70,22 @@ void printJson() {
     printLine(STDOUT_FILENO, prettySortedJson(toJson(scan([](const std::string&) {}))));
 }
 
-void printReport(ReportText::Options options) {
-    const auto report = scan([](const std::string& text) { printLine(STDERR_FILENO, "· " + text); });
-    for (const auto& line : ReportText::lines(report, currentInstant(), options)) {
+void printLines(const std::vector<std::string>& lines) {
+    for (const auto& line : lines) {
         if (!printLine(STDOUT_FILENO, line))
             return;
     }
+}
+
+void printMap() {
+    const auto map = StorageMapper::map(StorageMapper::defaultRoots(Platform::homeFolder()), printProgress);
+    StorageMapper::save(map); // so that the application finds it
+    printLines(MapText::lines(map));
+}
+
+void printReport(ReportText::Options options) {
+    const auto report = scan(printProgress);
+    printLines(ReportText::lines(report, currentInstant(), options));
 }
 
 } // namespace
@@ -81,6 +101,10 @@ int run(const std::vector<std::string>& arguments) {
         printLine(STDOUT_FILENO, std::string(usage));
     else if (has(arguments, "--json"))
         printJson();
+    else if (has(arguments, "--volumes"))
+        printLines(VolumeText::lines(VolumeService::externalVolumes()));
+    else if (has(arguments, "--map"))
+        printMap();
     else
         printReport({.allItems = has(arguments, "--all")});
     return 0;

@@ -46,5 +46,65 @@ TEST_F(EndToEndMountTests, warnsInTheJson) {
     EXPECT_EQ(items[0].at("bytes"), 21'000'192);
 }
 
+// --volumes
+
+class EndToEndVolumesTests : public EndToEnd {
+protected:
+    void SetUp() override { occupy("Library/Developer/Xcode/DerivedData", 21'000'000); }
+
+    /// What every drive below is told to be.
+    void answerFor(const std::string& mountPath) const {
+        mac.answer("diskutil info -plist " + mountPath,
+                   R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>)"
+                   "<key>FilesystemType</key><string>apfs</string>"
+                   "<key>FilesystemUserVisibleName</key><string>APFS</string>"
+                   "<key>GlobalPermissionsEnabled</key><false/></dict></plist>");
+    }
+
+    BoxFolder volumes{"/Volumes"};
+};
+
+TEST_F(EndToEndVolumesTests, saysThatThereAreNoExternalVolumes) {
+    const auto result = korvanti({"--volumes"});
+    EXPECT_EQ(result.out, "Tidak ada SSD/disk eksternal yang terpasang.\n");
+    EXPECT_EQ(result.err, "");
+}
+
+TEST_F(EndToEndVolumesTests, listsTheVolumesWithTheirAdvice) {
+    const Mount mount(volumes.folder("Kerja\nLama"), 21'000 * 4096);
+    answerFor("/Volumes/Kerja\nLama");
+    const auto result = korvanti({"--volumes"});
+    EXPECT_THAT(linesOf(result.out),
+                ElementsAre("", "■ Kerja\uFFFDLama  /Volumes/Kerja\uFFFDLama",
+                            "  APFS · ? · 86 MB kosong dari 86 MB",
+                            "  ✓ Format APFS: Format terbaik untuk SSD di Mac: cepat, mendukung symlink, "
+                            "izin file, clone, dan snapshot.",
+                            "  ⚠︎ Ownership diabaikan: macOS mengabaikan pemilik file di volume ini. Untuk "
+                            "proyek & cache dev sebaiknya diaktifkan agar izin executable dan git konsisten.",
+                            "      $ sudo diskutil enableOwnership \"/Volumes/Kerja\uFFFDLama\""));
+    EXPECT_EQ(result.err, "");
+}
+
+TEST_F(EndToEndVolumesTests, prefersTheVolumesToAReport) {
+    const auto volumesOnly = korvanti({"--volumes"}).out;
+    EXPECT_EQ(korvanti({"--report", "--volumes", "--all"}).out, volumesOnly);
+    EXPECT_EQ(korvanti({"--map", "--volumes"}).out, volumesOnly);
+}
+
+TEST_F(EndToEndVolumesTests, prefersTheJsonAndTheUsageTextToTheVolumes) {
+    EXPECT_EQ(korvanti({"--volumes", "--json"}).out.front(), '{');
+    EXPECT_EQ(korvanti({"--volumes", "--help"}).out, korvanti({"--help"}).out);
+}
+
+TEST_F(EndToEndVolumesTests, listingTheVolumesChangesNothing) {
+    const Mount mount(volumes.folder("Kerja"));
+    volumes.file("Kerja/file", {.text = "mine"});
+    const auto before = picture(mac.home.path());
+    const auto beforeOnVolume = picture(volumes.path());
+    static_cast<void>(korvanti({"--volumes"}));
+    EXPECT_EQ(picture(mac.home.path()), before);
+    EXPECT_EQ(picture(volumes.path()), beforeOnVolume);
+}
+
 } // namespace
 } // namespace korvanti::testing

@@ -441,6 +441,61 @@ TEST_F(EndToEndTests, printsExactlyTheKnownJson) {
     EXPECT_EQ(json, textOf(KORVANTI_TEST_DATA "/golden-report.json"));
 }
 
+// The map
+
+TEST_F(EndToEndTests, mapsTheFoldersOfTheMac) {
+    occupy("Library/Caches/large", 40'000'000);
+    occupy("Library/Caches/small", 5'000'000);
+    occupy("Library/Logs/all", 12'000'000);
+    occupy("Movies/film", 20'000'000);
+    mac.home.file("archive.zip", {.allocatedBytes = 11'000'000});
+    mac.home.folder("Library/locked/inside");
+    mac.home.setMode("Library/locked", 0);
+
+    const auto result = korvanti({"--map"});
+
+    EXPECT_THAT(sectionOf(result.out, "■ Home (~)"),
+                ElementsAre("■ Home (~) — 88 MB (1 folder tak terbaca)", //
+                            "      57 MB  Library  [1 tak terbaca]",     //
+                            "          45 MB  Caches",                   //
+                            "          12 MB  Logs",                     //
+                            "        0 bytes  locked",                   //
+                            "      20 MB  Movies",                       //
+                            "          20 MB  film",                     //
+                            "      11 MB  archive.zip"));
+    EXPECT_THAT(linesOf(result.out), Contains("■ /Applications — 0 bytes"));
+    EXPECT_THAT(linesOf(result.err), Contains("· Memetakan ~…"));
+    EXPECT_THAT(linesOf(result.err), Contains("· Memetakan /Applications…"));
+    EXPECT_THAT(linesOf(result.err), ::testing::Each(MatchesRegex("· Memetakan .+…")));
+}
+
+TEST_F(EndToEndTests, keepsTheMapForTheApplication) {
+    occupy("Library/Caches/large", 40'000'000);
+
+    static_cast<void>(korvanti({"--map"}));
+
+    const auto map = nlohmann::ordered_json::parse(
+        textOf(mac.home.path("Library/Application Support/Korvanti/storage-map.json")));
+    EXPECT_THAT(map.at("createdAt").get<std::string>(), EndsWith("Z"));
+    const auto roots = map.at("roots");
+    const auto home =
+        std::ranges::find_if(roots, [](const auto& root) { return root.at("name") == "Home (~)"; });
+    ASSERT_NE(home, roots.end());
+    EXPECT_EQ(home->at("children").at(0).at("path"), "/Users/tester/Library");
+}
+
+TEST_F(EndToEndTests, prefersTheJsonToTheMapAndTheMapToTheReport) {
+    EXPECT_THAT(korvanti({"--map", "--json"}).out, StartsWith("{\n"));
+    EXPECT_THAT(korvanti({"--report", "--all", "--map"}).out, StartsWith("\n■ "));
+}
+
+TEST_F(EndToEndTests, mapsAHomeThatDoesNotExist) {
+    const auto lines = linesOf(korvanti({"--map"}, with("HOME", "/proc/nobody")).out);
+
+    EXPECT_THAT(lines, Contains("■ /Applications — 0 bytes"));
+    EXPECT_THAT(lines, Not(Contains(HasSubstr("nobody"))));
+}
+
 // Settings and home
 
 TEST_F(EndToEndTests, leavesDamagedSettingsAsTheyAre) {

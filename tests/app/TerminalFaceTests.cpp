@@ -6,7 +6,7 @@ namespace korvanti {
 namespace {
 
 TEST(TerminalFaceTests, eachFlagChoosesTheTerminal) {
-    for (const auto* flag : {"--report", "--all", "--json", "--help"})
+    for (const auto* flag : {"--report", "--all", "--json", "--volumes", "--map", "--help"})
         EXPECT_TRUE(TerminalFace::isChosen({flag})) << flag;
 }
 
@@ -15,8 +15,8 @@ TEST(TerminalFaceTests, aFlagBehindAnUnknownArgumentChoosesTheTerminal) {
 }
 
 TEST(TerminalFaceTests, anythingElseIsTheApplication) {
-    for (const auto* other :
-         {"--foo", "--Report", "--repor", "--reports", "-report", "report", "--json=1", ""})
+    for (const auto* other : {"--foo", "--Report", "--repor", "--reports", "-report", "report", "--json=1",
+                              "--volume", "--Volumes", "--maps", ""})
         EXPECT_FALSE(TerminalFace::isChosen({other})) << other;
     EXPECT_FALSE(TerminalFace::isChosen({}));
 }

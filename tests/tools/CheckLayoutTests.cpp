@@ -217,9 +217,14 @@ TEST_F(CheckLayoutTests, whatOnlySoundsLikeACallPasses) {
 
 TEST_F(CheckLayoutTests, aNamedFileMayMakeItsOwnCallAgain) {
     append("core/cleaning/TreeRemover.cpp", "int gone(const char* p) { return ::unlinkat(0, p, 0); }");
+    append("core/drives/SpeedTest.cpp", "int gone(const char* p) { return ::unlink(p); }");
+    append("core/drives/SpeedTest.cpp", "int made(const char* p) { return ::open(p, O_RDWR | O_CREAT); }");
+    append("core/drives/VolumeService.cpp", "auto eject(const char* p) { return Shell::run(p, {}); }");
     append("core/fs/FileContents.cpp", "int gone(const char* p) { return ::unlink(p); }");
+    append("core/platform/linux/NamelessFile.cpp", "int made(const char* p) { return ::open(p, O_RDWR); }");
     append("core/platform/linux/Trash.cpp", "int to(const char* p) { return ::renameat2(0, p, 0, p, 0); }");
     append("core/platform/macos/Trash.mm", "NSFileManager* manager = NSFileManager.defaultManager;");
+    append("core/platform/macos/Volumes.mm", "NSFileManager* manager = NSFileManager.defaultManager;");
     append("core/process/Shell.cpp", "int go() { return ::posix_spawn(0, 0, 0, 0, 0, 0); }");
     EXPECT_EQ(check().out, "Layout: as it should be.\n");
 }
@@ -228,6 +233,11 @@ TEST_F(CheckLayoutTests, aNamedFileMayNotMakeTheCallOfAnother) {
     const std::vector<std::pair<std::string, std::string>> spoilt = {
         {"core/cleaning/TreeRemover.cpp", "int gone(const char* p) { return ::unlink(p); }"},
         {"core/cleaning/Cleaner.cpp", "int gone(const char* p) { return ::unlinkat(0, p, 0); }"},
+        {"core/drives/SpeedTest.cpp", "int empty(const char* p) { return ::open(p, O_WRONLY | O_TRUNC); }"},
+        {"core/drives/SpeedTest.cpp", "int to(const char* p) { return ::rename(p, p); }"},
+        {"core/drives/VolumeService.cpp", "int gone(const char* p) { return ::unlink(p); }"},
+        {"core/platform/linux/Volumes.cpp", "int made(const char* p) { return ::open(p, O_WRONLY); }"},
+        {"core/platform/macos/Volumes.mm", "void gone(id m, id u) { [m trashItemAtURL:u]; }"},
         {"core/fs/FileContents.cpp", "void gone(const char* p) { std::filesystem::remove_all(p); }"},
         {"core/fs/PathTools.cpp", "void gone(const char* p) { std::filesystem::remove(p); }"},
         {"core/cleaning/ActivityLog.cpp",
