@@ -5,12 +5,15 @@
 #include "Machine.h"
 #include "ProgramRun.h"
 #include "TreeMaker.h"
+#include "analysis/StorageMapper.h"
+#include "fs/FileContents.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <filesystem>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <fstream>
 #include <functional>
 #include <optional>
@@ -191,7 +194,8 @@ public:
         const bool done = (!chosen("warm") || warm()) && (!chosen("cold") || cold()) &&
                           (!chosen("shapes") || shapes()) && (!chosen("growth") || growth()) &&
                           (!chosen("start") || start()) && (!chosen("scan") || scan()) &&
-                          (!chosen("removal") || removal()) && (!chosen("guard") || guard());
+                          (!chosen("map") || map()) && (!chosen("removal") || removal()) &&
+                          (!chosen("guard") || guard()) && (!chosen("speed") || speed());
         return done && verdicts_.summary() ? 0 : 1;
     }
 
@@ -487,6 +491,72 @@ private:
         return true;
     }
 
+    bool map() {
+        const HomePlan plan{scaled(1'000'000), 200};
+        fmt::print("\nMap of a developer's home: {} files, {} repositories\n", grouped(plan.files),
+                   plan.repositories);
+        std::fflush(stdout);
+        if (arguments_.korvanti.empty()) {
+            fmt::print("  korvanti is not built here\n");
+            return true;
+        }
+        const auto home = makeHome(trees_, plan);
+        if (!home) {
+            fmt::print(stderr, "{}\n", home.error());
+            return false;
+        }
+        // What else this machine has of the map's roots is walked by all but gdu, which takes one folder.
+        const auto roots = StorageMapper::defaultRoots(home->path);
+        fmt::print("  {}\n", fmt::join(roots, ", "));
+        const Contender korvanti{"korvanti --map", [&](const std::string&, int) {
+                                     return Command{{arguments_.korvanti, "--map"}, {"HOME=" + home->path}};
+                                 }};
+        const auto over = [&](const std::string& name, std::vector<std::string> words) {
+            words.insert(words.end(), roots.begin(), roots.end());
+            return Contender{name, [words](const std::string&, int) { return Command{words, {}}; }};
+        };
+        std::vector<Contender> contenders = {korvanti, over("bare loop", {KORVANTI_BARE_LOOP, "1"}),
+                                             over("du -d2", {"du", "-d2"})};
+        if (auto gdu = systemProgram("gdu", {"-npc"}))
+            contenders.push_back(std::move(*gdu));
+        else
+            fmt::print("  gdu is not installed\n");
+        if (!mapAgreesWithBareLoop(korvanti, home->path)) // warms the cache, too
+            verdicts_.disagreed();
+        const auto all = takeTurns(contenders, home->path, runs_, 1);
+        if (!all)
+            return false;
+        printSeries(*all);
+        const double ours = (*all)[0].time();
+        verdicts_.atMost("map: time of the bare loop", ours / (*all)[1].time(), 1.15);
+        for (std::size_t index = 2; index < all->size(); ++index)
+            verdicts_.atLeast("map: faster than " + (*all)[index].name, (*all)[index].time() / ours, 1);
+        const auto memory = (*all)[0].peakMemory;
+        verdicts_.print("map: peak memory", megabytes(memory), "< 60 MB", memory < 60'000'000);
+        return true;
+    }
+
+    /// Whether the map that the program saves holds as many bytes of the home as the bare loop counts.
+    static bool mapAgreesWithBareLoop(const Contender& korvanti, const std::string& home) {
+        // The second run counts the map that the first one saved, as the bare loop does.
+        for (int time = 0; time < 2; ++time) {
+            if (!bench::run(korvanti.command(home, 1)))
+                return false;
+        }
+        const auto bare = bench::run(bareLoop().command(home, 1));
+        const auto text = FileContents::read(home + "/Library/Application Support/Korvanti/storage-map.json");
+        const auto json = parseJson(text.value_or(""));
+        const auto saved = json ? storageMapFromJson(*json) : std::unexpected(json.error());
+        if (!bare || !saved)
+            return false;
+        const auto root = std::ranges::find(saved->roots, home, &MapNode::path);
+        const auto mapped = root == saved->roots.end() ? -1 : root->bytes;
+        const auto counted = numbersByName(bare->output)["bytes"];
+        fmt::print("  bytes of files in the home: map {}, bare loop {}   {}\n", grouped(mapped),
+                   grouped(counted), mapped == counted ? "agree" : "DISAGREE");
+        return mapped == counted;
+    }
+
     bool removal() {
         const TreePlan plan{TreeShape::realistic, scaled(200'000), scaled(20'000)};
         fmt::print("\n{}\n", folderOf("Removal", plan));
@@ -536,6 +606,50 @@ private:
         return true;
     }
 
+    /// A memory file system is as fast as a device can be, so that what is left is the programs' own cost.
+    bool speed() {
+#ifdef __APPLE__
+        fmt::print("\nSpeed of a drive: not measured, this system's dd can't pass the cache by\n");
+        return true;
+#else
+        const std::int64_t megabytes = arguments_.quick ? 128 : 512;
+        const std::string folder = fs::exists("/dev/shm") ? "/dev/shm" : trees_;
+        const std::string file = folder + "/korvanti-bench-dd";
+        fmt::print("\nSpeed of a drive: {} MiB in blocks of 8 MiB, past the cache and flushed, on {}\n",
+                   megabytes, folder);
+        const auto dd = [&](std::vector<std::string> options) -> std::optional<double> {
+            std::vector<std::string> words = {"dd", "bs=8388608", "status=none"};
+            words.insert(words.end(), options.begin(), options.end());
+            const auto result = bench::run({words, {}});
+            if (!result)
+                return std::nullopt;
+            return static_cast<double>(megabytes) * 1048.576 / result->milliseconds;
+        };
+        const auto count = "count=" + std::to_string(megabytes / 8);
+        std::vector<double> writes, reads, ddWrites, ddReads;
+        for (int round = 0; round < runs_; ++round) {
+            const auto ours = bench::run({{KORVANTI_SPEED_ONCE, folder, std::to_string(megabytes)}, {}});
+            const auto written = dd({"if=/dev/zero", "of=" + file, count, "oflag=direct", "conv=fdatasync"});
+            const auto read = dd({"if=" + file, "of=/dev/null", "iflag=direct"});
+            std::error_code error;
+            fs::remove(file, error);
+            if (!ours || !written || !read)
+                return false;
+            auto numbers = numbersByName(ours->output);
+            writes.push_back(static_cast<double>(numbers["writeMBps"]));
+            reads.push_back(static_cast<double>(numbers["readMBps"]));
+            ddWrites.push_back(*written);
+            ddReads.push_back(*read);
+        }
+        fmt::print("  {:<24}{:>14}{:>14}\n", "median MB/s", "written", "read");
+        fmt::print("  {:<24}{:>14.0f}{:>14.0f}\n", "speed test", median(writes), median(reads));
+        fmt::print("  {:<24}{:>14.0f}{:>14.0f}\n", "dd", median(ddWrites), median(ddReads));
+        verdicts_.atLeast("speed test: writes as fast as dd", median(writes) / median(ddWrites), 0.95);
+        verdicts_.atLeast("speed test: reads as fast as dd", median(reads) / median(ddReads), 0.95);
+        return true;
+#endif
+    }
+
     Arguments arguments_;
     std::string trees_;
     int runs_;
@@ -544,7 +658,7 @@ private:
 
 constexpr std::string_view usage =
     "usage: korvanti_bench [--quick] [--runs N] [--trees FOLDER] [--korvanti PROGRAM]\n"
-    "                      [--only warm|cold|shapes|growth|start|scan|removal|guard]\n"
+    "                      [--only warm|cold|shapes|growth|start|scan|map|removal|guard|speed]\n"
     "  --quick   trees of a tenth of the size, three runs\n"
     "  --trees   where the trees are kept from one run to the next (3 GB)\n";
 
@@ -564,8 +678,8 @@ std::optional<Arguments> parse(const std::vector<std::string>& words) {
         } else if (word == "--korvanti") {
             arguments.korvanti = value;
         } else if (word == "--only") {
-            constexpr std::string_view sections[] = {"warm",  "cold", "shapes",  "growth",
-                                                     "start", "scan", "removal", "guard"};
+            constexpr std::string_view sections[] = {"warm", "cold", "shapes",  "growth", "start",
+                                                     "scan", "map",  "removal", "guard",  "speed"};
             if (std::ranges::find(sections, value) == std::end(sections))
                 return std::nullopt;
             arguments.only = value;
