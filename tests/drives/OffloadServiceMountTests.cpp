@@ -1074,6 +1074,21 @@ TEST_F(OffloadServiceMountTests, aCopyThatChangedWhileItWasBroughtBackStays) {
     EXPECT_THAT(service.records(), SizeIs(1));
 }
 
+TEST_F(OffloadServiceMountTests, aFolderThatTakesThePlaceOfTheLinkAtTheLastMomentStays) {
+    // The copy has another name, so that it is not what is waited for.
+    std::filesystem::create_directories(std::string("/Volumes/SSD/Korvanti Offload/") + symbols);
+    const auto record = moved(true);
+    const auto copy = treeOf(record.destinationPath);
+    const testing::BeforeCall swap(testing::Call::statAt,
+                                   std::filesystem::path(record.originalPath).filename(), [&] {
+                                       std::filesystem::remove(record.originalPath);
+                                       mac.home.file(symbols + std::string("/new"), {.text = "new"});
+                                   });
+    EXPECT_EQ(kindOf(service.restore(record)), Kind::originalOccupied);
+    EXPECT_EQ(textOf(record.originalPath + "/new"), "new");
+    EXPECT_EQ(treeOf(record.destinationPath), copy);
+}
+
 TEST_F(OffloadServiceMountTests, anOldPlaceThatLeadsToTheCopyItselfIsNoSecondCopy) {
     for (const auto* script :
          {"ln -s \"/Volumes/SSD/Korvanti Offload/Library/Developer\" ~/Library/Developer",
