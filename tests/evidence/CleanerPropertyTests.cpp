@@ -290,7 +290,7 @@ void report(const CleaningCase& tried) {
     for (const auto& line : complaintsOf(smallest, met))
         text += "  " + line + "\n";
     ADD_FAILURE() << "Repeat with KORVANTI_SEED=" << tried.seed
-                  << " KORVANTI_CASES=1. The smallest that fails:\n"
+                  << " KORVANTI_CLEANER_CASES=1. The smallest that fails:\n"
                   << testing::described(smallest) << text;
 }
 
@@ -378,7 +378,7 @@ protected:
 
 TEST_P(CleanerPropertyTests, aRunDoesWhatTheModelSaysAndNothingElse) {
     ASSERT_TRUE(isReady) << "Only inside the box: tests/box/enter --root";
-    const auto cases = fromEnvironment("KORVANTI_CASES", 10'000);
+    const auto cases = fromEnvironment("KORVANTI_CLEANER_CASES", 10'000);
     std::printf("First seed: %llu\n", static_cast<unsigned long long>(firstSeed()));
     Coverage met;
     std::uint64_t done = 0;
