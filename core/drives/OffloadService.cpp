@@ -260,8 +260,9 @@ std::expected<OffloadRecord, DriveFailure> OffloadService::offload(const Cleanup
         return std::unexpected<DriveFailure>(
             OffloadError{.kind = Kind::notEnoughSpace, .needed = needed, .available = room});
 
-    if (auto locked = root->lock(); !locked)
-        return failure(locked.error());
+    const auto lock = root->lock();
+    if (!lock)
+        return failure(lock.error());
     if (!original->entry().stillThere()) // another program was quicker
         return failure(Kind::sourceMissing);
     const auto place = PathTools::joined(folderName, placeOnVolume(source, guardrail_.home()));
@@ -356,8 +357,9 @@ std::expected<void, DriveFailure> OffloadService::restore(const OffloadRecord& r
     const auto root = VolumeFolder::open(volumeRootOf(stored));
     if (!root)
         return failure(root.error());
-    if (auto locked = root->lock(); !locked)
-        return failure(locked.error());
+    const auto lock = root->lock();
+    if (!lock)
+        return failure(lock.error());
     const auto original = root->admit(stored);
     if (!original)
         return std::unexpected(asFailure(original.error()));

@@ -38,10 +38,15 @@ bool VolumeFolder::isMounted() const {
     return identity_.mountRoot || (identity && identity->device != identity_.device);
 }
 
-std::expected<void, FileError> VolumeFolder::lock() const {
+std::expected<VolumeFolder::Lock, FileError> VolumeFolder::lock() const {
     if (uninterrupted([&] { return ::flock(root_.get(), LOCK_EX | LOCK_NB); }) != 0 && errno == EWOULDBLOCK)
         return std::unexpected(fileErrorOf(EBUSY, mountPath_));
-    return {};
+    return Lock(root_.get());
+}
+
+VolumeFolder::Lock::~Lock() {
+    if (folder_ >= 0)
+        uninterrupted([&] { return ::flock(folder_, LOCK_UN); });
 }
 
 std::expected<FileDescriptor, FileError> VolumeFolder::createFolders(std::string_view relative) const {

@@ -9,6 +9,7 @@
 #include <expected>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace korvanti {
 
@@ -30,9 +31,25 @@ public:
     /// A volume is mounted there: it is no plain folder of the disk around it.
     [[nodiscard]] bool isMounted() const;
 
-    /// Keeps other moves off the volume while this object lives; an error when one is under way (EBUSY).
-    /// Where the file system knows no locks there is nothing to keep.
-    [[nodiscard]] std::expected<void, FileError> lock() const;
+    /// Keeps other moves off the volume while it lives, and no longer: a tool that is just being started has
+    /// the folder open for a moment, too. Ends before its VolumeFolder.
+    class Lock {
+    public:
+        Lock(Lock&& other) noexcept : folder_(std::exchange(other.folder_, -1)) {}
+        Lock& operator=(Lock&&) = delete;
+        Lock(const Lock&) = delete;
+        Lock& operator=(const Lock&) = delete;
+        ~Lock();
+
+    private:
+        friend class VolumeFolder;
+        explicit Lock(int folder) : folder_(folder) {}
+
+        int folder_; ///< the volume's root; -1 when moved from
+    };
+    /// An error when a move is under way (EBUSY). Where the file system knows no locks there is nothing to
+    /// keep.
+    [[nodiscard]] std::expected<Lock, FileError> lock() const;
 
     /// Makes a folder below the root with its missing parents, all of them on this volume and none reached
     /// through a link, and gives it open, not for listing.

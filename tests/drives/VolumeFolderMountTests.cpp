@@ -5,10 +5,12 @@
 #include "support/Mount.h"
 
 #include <cerrno>
+#include <csignal>
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
 #include <sys/mount.h>
+#include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
 #include <variant>
@@ -133,10 +135,29 @@ TEST_F(VolumeFolderMountTests, aSecondMoveIsKeptOffUntilTheFirstHasEnded) {
     const auto second = opened();
     {
         const auto first = opened();
-        EXPECT_EQ(errorOf(first.lock()), 0);
+        const auto held = first.lock();
+        EXPECT_EQ(errorOf(held), 0);
         EXPECT_EQ(errorOf(second.lock()), EBUSY);
     }
     EXPECT_EQ(errorOf(second.lock()), 0);
+}
+
+TEST_F(VolumeFolderMountTests, aMoveEndsThoughAChildStillHasTheFolderOpen) {
+    mount();
+    const auto first = opened();
+    const auto second = opened();
+    pid_t child = -1;
+    {
+        const auto held = first.lock();
+        child = ::fork();
+        if (child == 0) {
+            ::pause();
+            ::_exit(0);
+        }
+    }
+    EXPECT_EQ(errorOf(second.lock()), 0);
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
 }
 
 TEST_F(VolumeFolderMountTests, aVolumeIsFlushed) {
