@@ -73,6 +73,14 @@ bool isWhiteSpaceOrLineEnd(UChar32 character) {
            character == 0x3000;
 }
 
+bool isASCII(std::string_view text) {
+    return std::ranges::all_of(text, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
+
+constexpr char lowercasedASCII(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
+}
+
 std::string lowercased(UChar32 character) {
     UChar before[U16_MAX_LENGTH];
     std::int32_t length = 0;
@@ -96,6 +104,8 @@ struct Close {
 } // namespace
 
 std::string repaired(std::string_view bytes) {
+    if (isASCII(bytes))
+        return std::string(bytes);
     return rewritten(
         bytes, [](UChar32 character, std::string_view own) { return character < 0 ? replacement : own; });
 }
@@ -107,9 +117,7 @@ std::string printable(std::string_view bytes) {
 }
 
 std::size_t characterCount(std::string_view text) {
-    const bool plain = std::ranges::all_of(
-        text, [](char byte) { return static_cast<unsigned char>(byte) < 0x80 && byte != '\r'; });
-    if (plain)
+    if (isASCII(text) && !text.contains('\r'))
         return text.size();
 
     UErrorCode status = U_ZERO_ERROR;
@@ -126,12 +134,19 @@ std::size_t characterCount(std::string_view text) {
 }
 
 std::string lowercased(std::string_view text) {
+    if (isASCII(text)) { // as nearly all are, and a list of many is searched at each key
+        std::string lower(text);
+        std::ranges::transform(lower, lower.begin(), lowercasedASCII);
+        return lower;
+    }
     return rewritten(text, [](UChar32 character, std::string_view own) {
         return character < 0 ? std::string(own) : lowercased(character);
     });
 }
 
 std::string composed(std::string_view text) {
+    if (isASCII(text))
+        return std::string(text);
     std::string result;
     icu::StringByteSink<std::string> sink(&result);
     UErrorCode status = U_ZERO_ERROR;

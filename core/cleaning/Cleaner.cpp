@@ -187,8 +187,8 @@ std::vector<std::string> Cleaner::preflightWarnings(const std::vector<CleanupIte
     return warnings;
 }
 
-std::vector<CleanupOutcome> Cleaner::run(const std::vector<CleanupItem>& items,
-                                         const Progress& progress) const {
+std::vector<CleanupOutcome> Cleaner::run(const std::vector<CleanupItem>& items, const Progress& progress,
+                                         const ShouldStop& shouldStop) const {
     if (std::ranges::any_of(items, isOfGradle))
         static_cast<void>(
             Shell::run("/usr/bin/pkill", {"-f", "GradleDaemon"}, {.timeout = std::chrono::seconds(10)}));
@@ -196,6 +196,8 @@ std::vector<CleanupOutcome> Cleaner::run(const std::vector<CleanupItem>& items,
     std::vector<CleanupOutcome> outcomes;
     outcomes.reserve(items.size());
     for (const auto& item : items) {
+        if (shouldStop && shouldStop())
+            break;
         progress(outcomes.size(), items.size(), item.title);
         const auto result = clean(*this, guardrail_, item);
         log_.append({.date = currentInstant(),
@@ -207,7 +209,7 @@ std::vector<CleanupOutcome> Cleaner::run(const std::vector<CleanupItem>& items,
                      .message = result.message});
         outcomes.push_back({item, result.success, result.freedBytes, result.message});
     }
-    progress(items.size(), items.size(), {});
+    progress(outcomes.size(), items.size(), {});
     return outcomes;
 }
 

@@ -37,13 +37,17 @@ public:
     [[nodiscard]] static std::vector<std::string> preflightWarnings(const std::vector<CleanupItem>& items);
 
     /// Number of the item being started (from 0), how many there are, its title. At the end once more with
-    /// `count`, `count` and no title.
+    /// the number of those done, `count` and no title.
     using Progress = std::function<void(std::size_t index, std::size_t count, const std::string& title)>;
+    /// Asked before each item; true ends the run there.
+    using ShouldStop = std::function<bool()>;
 
-    /// One outcome an item, in their order. A failing item ends nothing; each leaves a line in the log as
-    /// soon as it is done. Blocks for as long as it takes; `progress` is called on this thread.
+    /// One outcome an item, in their order; none for those that a stop left untouched. A failing item ends
+    /// nothing; each leaves a line in the log as soon as it is done. Blocks for as long as it takes; both
+    /// functions are called on this thread. `shouldStop` may be none.
     [[nodiscard]] std::vector<CleanupOutcome> run(const std::vector<CleanupItem>& items,
-                                                  const Progress& progress) const;
+                                                  const Progress& progress,
+                                                  const ShouldStop& shouldStop = {}) const;
 
     /// What is done to a related path. False when it could not be done.
     using Action = std::function<bool(const std::string& path)>;

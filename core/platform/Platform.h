@@ -20,6 +20,9 @@ namespace korvanti::Platform {
 /// The home folder of the user: absolute, without a trailing slash. Never empty ("/" when nothing is known).
 [[nodiscard]] std::string homeFolder();
 
+/// Where the running program lies: absolute, links resolved. Empty when the system does not tell.
+[[nodiscard]] std::string executablePath();
+
 /// The mount points of the whole system, decoded, in the system's order. Does not wait for slow file systems.
 /// Empty when the table can't be read.
 [[nodiscard]] std::vector<std::string> mountPoints();

@@ -319,6 +319,34 @@ TEST_F(RunTests, noItemsAreOneCallAndStartNothing) {
     EXPECT_THAT(logLines(), IsEmpty());
 }
 
+TEST_F(RunTests, aStopLeavesWhatHasNotBegunUntouched) {
+    const std::vector items = {item(mac.home.file("Library/Caches/a")), item(in("Library/Caches/missing")),
+                               item(mac.home.file("Library/Caches/c"))};
+    std::size_t asked = 0;
+    const auto outcomes = cleaner.run(
+        items,
+        [&](std::size_t index, std::size_t count, const std::string& title) {
+            steps.push_back({index, count, title, logLines().size()});
+        },
+        [&] { return ++asked > 2; });
+
+    EXPECT_THAT(outcomes, SizeIs(2));
+    EXPECT_THAT(steps,
+                ElementsAre(Step{0, 3, items[0].title, 0}, Step{1, 3, items[1].title, 1}, Step{2, 3, "", 2}));
+    EXPECT_EQ(asked, 3U);
+    EXPECT_FALSE(stands(items[0].path));
+    EXPECT_TRUE(stands(items[2].path));
+}
+
+TEST_F(RunTests, aStopBeforeTheFirstItemTouchesNone) {
+    const auto one = item(mac.home.file("Library/Caches/a"));
+    EXPECT_THAT(cleaner.run(
+                    {one}, [](auto, auto, const auto&) {}, [] { return true; }),
+                IsEmpty());
+    EXPECT_TRUE(stands(one.path));
+    EXPECT_THAT(logLines(), IsEmpty());
+}
+
 TEST_F(RunTests, theItemsAreDoneOneAfterAnotherAndEachIsLoggedAtOnce) {
     const std::vector items = {item(mac.home.file("Library/Caches/a")), item(in("Library/Caches/missing")),
                                item(mac.home.file("Library/Caches/c"), CleanupAction::trash())};

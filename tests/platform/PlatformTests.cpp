@@ -309,6 +309,13 @@ TEST(PlatformTests, withoutAUsableVariableTheAccountTellsTheHomeFolder) {
     }
 }
 
+TEST(PlatformTests, theRunningProgramIsTheOneAtItsPath) {
+    const auto path = Platform::executablePath();
+    EXPECT_TRUE(path.ends_with("/korvanti_platform_tests")) << path;
+    struct stat status {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0);
+}
+
 TEST(PlatformTests, aMountIsTheRootOfItsVolume) {
     const FileDescriptor proc(Platform::openFolder("/proc"));
     EXPECT_TRUE(Platform::folderIdentity(proc.get())->mountRoot);

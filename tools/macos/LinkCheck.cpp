@@ -62,6 +62,7 @@ int main() {
     Platform::raiseOpenFileLimit();
     Platform::giveWay();
     const std::string home = Platform::homeFolder();
+    std::printf("running %s\n", Platform::executablePath().c_str());
     const auto capacity = Platform::volumeCapacity(home);
     std::printf(
         "home %s, %lld of %lld bytes free (%lld for important use), swap %lld, memory %lld\n", home.c_str(),

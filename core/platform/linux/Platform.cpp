@@ -82,6 +82,15 @@ std::string homeFolder() {
     return account.starts_with('/') ? withoutTrailingSlashes(account) : "/";
 }
 
+std::string executablePath() {
+    std::string path(PATH_MAX, '\0');
+    const auto length = ::readlink("/proc/self/exe", path.data(), path.size());
+    if (length <= 0 || static_cast<std::size_t>(length) == path.size())
+        return {};
+    path.resize(static_cast<std::size_t>(length));
+    return path;
+}
+
 std::vector<std::string> mountPoints() {
     return mountPointsFromMountInfo(kernelFile("/proc/self/mountinfo"));
 }

@@ -9,6 +9,7 @@
 #include <copyfile.h>
 #include <cstdlib>
 #include <fcntl.h>
+#include <mach-o/dyld.h>
 #include <pthread.h>
 #include <pthread/qos.h>
 #include <pwd.h>
@@ -71,6 +72,16 @@ std::string homeFolder() {
     if (auto home = asHome(std::getenv("HOME")); !home.empty())
         return home;
     return "/";
+}
+
+std::string executablePath() {
+    std::uint32_t size = 0;
+    ::_NSGetExecutablePath(nullptr, &size); // tells how much there is
+    std::string path(size, '\0');
+    char resolved[PATH_MAX];
+    if (::_NSGetExecutablePath(path.data(), &size) != 0 || !::realpath(path.c_str(), resolved))
+        return {};
+    return resolved;
 }
 
 std::vector<std::string> mountPoints() {
