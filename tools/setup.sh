@@ -12,17 +12,23 @@ packages_for() {
   local debian brew
   case $1 in
     build)
-      debian="g++ cmake ninja-build libicu-dev libtbb-dev nlohmann-json3-dev libfmt-dev uuid-dev"
-      brew="cmake ninja icu4c tbb nlohmann-json fmt" ;;
+      debian="g++ cmake ninja-build libicu-dev libtbb-dev nlohmann-json3-dev libfmt-dev uuid-dev
+        qt6-base-dev qt6-declarative-dev qt6-svg-dev libgl-dev qml6-module-qtquick qml6-module-qtquick-window
+        qml6-module-qtquick-controls qml6-module-qtquick-templates qml6-module-qtquick-layouts qml6-module-qtqml
+        qml6-module-qtqml-workerscript fonts-inter fonts-dejavu-core"
+      brew="cmake ninja icu4c tbb nlohmann-json fmt qt" ;;
     test)
-      debian="libgtest-dev libgmock-dev util-linux locales git procps"
+      debian="libgtest-dev libgmock-dev util-linux locales git procps dbus-daemon xvfb xdotool"
       brew="googletest" ;;
     checks)
-      debian="clang-16 libc++-16-dev libc++abi-16-dev libclang-rt-16-dev clang-tidy-16 clang-format-16 googletest"
+      debian="clang-16 libc++-16-dev libc++abi-16-dev libclang-rt-16-dev clang-tidy-16 clang-format-16"
       brew="llvm@16" ;;
     mac-check)
       debian="npm libgnustep-base-dev libgnustep-gui-dev"
       brew="node" ;;
+    pictures)
+      debian="pngquant"
+      brew="pngquant" ;;
     bench)
       debian="gdu ncdu"
       brew="gdu ncdu" ;;
@@ -90,12 +96,13 @@ need() {
 }
 
 # build PRESET [TARGET…]: configures where that is needed and builds. Says nothing when there is nothing to do.
+# With KORVANTI_UNITY set, a folder configured anew compiles several sources as one.
 build() {
   local preset=$1 folder="$KORVANTI_ROOT/build/$1"
   shift
   if [ ! -f "$folder/build.ninja" ] || [ "$KORVANTI_ROOT/CMakePresets.json" -nt "$folder/build.ninja" ]; then
     say "Configuring $preset."
-    (cd "$KORVANTI_ROOT" && cmake --preset "$preset") >&2
+    (cd "$KORVANTI_ROOT" && cmake --preset "$preset" ${KORVANTI_UNITY:+-DCMAKE_UNITY_BUILD=ON}) >&2
     touch "$folder/build.ninja"
   fi
   case $(ninja -C "$folder" -n "${@:-all}" 2>&1) in

@@ -68,6 +68,15 @@ TEST_F(CheckLayoutTests, aFileThatGitDoesNotKnowYetIsReadToo) {
     EXPECT_EQ(check().status, 1);
 }
 
+TEST_F(CheckLayoutTests, qtStaysOutOfTheCoreAndOfTheMacsOwnSources) {
+    for (const std::string file : {"core/scan/Spoilt.h", "app/shell/macos/MacDesktop.mm"}) {
+        append(file, "#include <QObject>");
+        const auto result = check();
+        EXPECT_EQ(result.status, 1);
+        EXPECT_THAT(result.out, ContainsRegex(file + ":[0-9]+:#include <QObject>\n"));
+    }
+}
+
 TEST_F(CheckLayoutTests, aCallOfTheSystemIsFound) {
     expectEachFound({
         "::unlink(p);",
@@ -193,6 +202,7 @@ TEST_F(CheckLayoutTests, aStartOfAnotherProgramIsFound) {
         "Shell::run(\"/bin/rm\", {\"-rf\", path});",
         "const auto run = &Shell::run;",
         "QProcess::execute(tool);",
+        "QDesktopServices::openUrl(url);",
     });
 }
 
@@ -216,6 +226,8 @@ TEST_F(CheckLayoutTests, whatOnlySoundsLikeACallPasses) {
 }
 
 TEST_F(CheckLayoutTests, aNamedFileMayMakeItsOwnCallAgain) {
+    append("app/shell/linux/LinuxDesktop.cpp", "void show(QUrl url) { QDesktopServices::openUrl(url); }");
+    append("app/shell/macos/MacDesktop.mm", "NSWorkspace* workspace = NSWorkspace.sharedWorkspace;");
     append("core/cleaning/TreeRemover.cpp", "int gone(const char* p) { return ::unlinkat(0, p, 0); }");
     append("core/drives/SpeedTest.cpp", "int gone(const char* p) { return ::unlink(p); }");
     append("core/drives/SpeedTest.cpp", "int made(const char* p) { return ::open(p, O_RDWR | O_CREAT); }");
@@ -231,6 +243,8 @@ TEST_F(CheckLayoutTests, aNamedFileMayMakeItsOwnCallAgain) {
 
 TEST_F(CheckLayoutTests, aNamedFileMayNotMakeTheCallOfAnother) {
     const std::vector<std::pair<std::string, std::string>> spoilt = {
+        {"app/shell/linux/LinuxDesktop.cpp", "void gone(const char* p) { QFile(p).remove(); }"},
+        {"app/shell/macos/MacDesktop.mm", "void gone(id m, id u) { [m trashItemAtURL:u]; }"},
         {"core/cleaning/TreeRemover.cpp", "int gone(const char* p) { return ::unlink(p); }"},
         {"core/cleaning/Cleaner.cpp", "int gone(const char* p) { return ::unlinkat(0, p, 0); }"},
         {"core/drives/SpeedTest.cpp", "int empty(const char* p) { return ::open(p, O_WRONLY | O_TRUNC); }"},

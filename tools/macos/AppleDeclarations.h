@@ -43,3 +43,18 @@ typedef struct __MDItem* MDItemRef;
 extern "C" MDItemRef MDItemCreateWithURL(CFAllocatorRef allocator, CFURLRef url);
 extern "C" CFTypeRef MDItemCopyAttribute(MDItemRef item, CFStringRef name);
 extern "C" const CFStringRef kMDItemLastUsedDate;
+
+// ServiceManagement.
+typedef NS_ENUM(NSInteger, SMAppServiceStatus) {
+    SMAppServiceStatusNotRegistered,
+    SMAppServiceStatusEnabled,
+    SMAppServiceStatusRequiresApproval,
+    SMAppServiceStatusNotFound,
+};
+
+@interface SMAppService : NSObject
+@property(class, readonly) SMAppService* mainAppService;
+@property(readonly) SMAppServiceStatus status;
+- (BOOL)registerAndReturnError:(NSError**)error;
+- (BOOL)unregisterAndReturnError:(NSError**)error;
+@end

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "scan/CleanupItem.h"
+
+#include <array>
+#include <string_view>
+
+namespace korvanti {
+
+/// The panes of the window, in the order of the sidebar.
+enum class Pane { overview, cleanup, map, apps, ssd, history };
+template <>
+inline constexpr std::array allCases<Pane> = {Pane::overview, Pane::cleanup, Pane::map,
+                                              Pane::apps,     Pane::ssd,     Pane::history};
+[[nodiscard]] std::string_view rawValue(Pane pane);
+
+/// Which items the list shows.
+enum class ItemFilter { recommended, deletable, review, all };
+template <>
+inline constexpr std::array allCases<ItemFilter> = {ItemFilter::recommended, ItemFilter::deletable,
+                                                    ItemFilter::review, ItemFilter::all};
+/// For people, and the raw value as well.
+[[nodiscard]] std::string_view title(ItemFilter filter);
+[[nodiscard]] bool matches(ItemFilter filter, const CleanupItem& item);
+
+} // namespace korvanti

@@ -1,0 +1,128 @@
+#include "base/FileDescriptor.h"
+#include "base/FileError.h"
+#include "cleaning/SafetyGuard.h"
+#include "cleaning/Trash.h"
+#include "fs/FileContents.h"
+#include "fs/PathTools.h"
+#include "shell/Desktop.h"
+#include "shell/linux/LoginEntry.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDesktopServices>
+#include <QObject>
+#include <QSocketNotifier>
+#include <QUrl>
+#include <cstdlib>
+#include <fcntl.h>
+#include <utility>
+#include <variant>
+
+namespace korvanti {
+namespace {
+
+/// Byte by byte: a name need not be text.
+QUrl urlOf(const std::string& path) {
+    return QUrl::fromEncoded("file://" + QByteArray::fromStdString(path).toPercentEncoding("/"));
+}
+
+std::string thisProgram() {
+    return PathTools::linkTarget("/proc/self/exe").value_or("");
+}
+
+/// Where programs that start with the session are named.
+std::string loginEntryFile(const std::string& home) {
+    const char* const configured = std::getenv("XDG_CONFIG_HOME");
+    const std::string folder = configured && *configured == '/' ? configured : home + "/.config";
+    return PathTools::joined(folder, "autostart/korvanti.desktop");
+}
+
+Desktop::Result resultOf(const std::expected<void, std::error_code>& done, const std::string& path) {
+    if (!done)
+        return std::unexpected(FileError{.path = path, .code = done.error(), .systemText = {}}.description());
+    return {};
+}
+
+class LinuxDesktop : public Desktop {
+public:
+    explicit LinuxDesktop(std::string home) : home_(std::move(home)) {}
+
+    /// There is no file manager to ask that could do more than this program.
+    void recycle(const std::string& path, const Answer& answer) override {
+        QMetaObject::invokeMethod(
+            &here_, [answer, result = trashed(path)] { answer(result); }, Qt::QueuedConnection);
+    }
+
+    /// The kernel has something urgent to say about its table whenever it has changed.
+    void watchMounts(std::function<void()> changed) override {
+        mounts_ = FileDescriptor(::open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC));
+        if (!mounts_)
+            return;
+        notifier_ = std::make_unique<QSocketNotifier>(mounts_.get(), QSocketNotifier::Exception);
+        QObject::connect(notifier_.get(), &QSocketNotifier::activated, std::move(changed));
+    }
+
+    [[nodiscard]] bool isLoginItem() const override {
+        const auto entry = FileContents::read(loginEntryFile(home_));
+        return entry && LoginEntry::isEnabled(*entry);
+    }
+
+    /// One that is switched off stays as a file that says so: it also hides one that the system may have.
+    Result setLoginItem(bool enabled) override {
+        const auto file = loginEntryFile(home_);
+        const std::string folder(PathTools::parent(file));
+        if (auto made = resultOf(FileContents::createFolders(folder), folder); !made)
+            return made;
+        return resultOf(FileContents::writeAtomically(file, LoginEntry::text(thisProgram(), enabled)), file);
+    }
+
+    /// There is no such page here, and nothing that would need it.
+    void openFullDiskAccessSettings() override { reveal(thisProgram()); }
+
+    /// The file manager is asked by message and not waited for. Without one, its folder is all that can be
+    /// shown.
+    void reveal(const std::string& path) override {
+        const auto bus = QDBusConnection::sessionBus();
+        if (!bus.isConnected()) // a call there would never be answered
+            return openFolder(std::string(PathTools::parent(path)));
+        auto call =
+            QDBusMessage::createMethodCall("org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+                                           "org.freedesktop.FileManager1", "ShowItems");
+        call << QStringList{urlOf(path).toString(QUrl::FullyEncoded)} << QString();
+        auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), &here_);
+        QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [this, watcher, path] {
+            if (watcher->isError())
+                openFolder(std::string(PathTools::parent(path)));
+            watcher->deleteLater();
+        });
+    }
+
+    void openFolder(const std::string& path) override { QDesktopServices::openUrl(urlOf(path)); }
+
+private:
+    [[nodiscard]] Result trashed(const std::string& path) const {
+        const auto admitted = SafetyGuard(home_).admit(path, {.allowApplicationBundle = true});
+        if (!admitted)
+            return std::unexpected(
+                std::visit([](const auto& reason) { return reason.description(); }, admitted.error()));
+        if (const auto moved = Trash::move(*admitted, home_); !moved)
+            return std::unexpected(moved.error().description());
+        return {};
+    }
+
+    std::string home_;
+    FileDescriptor mounts_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+    QObject here_; ///< what is still to be answered ends with this
+};
+
+} // namespace
+
+std::unique_ptr<Desktop> systemDesktop(const std::string& home) {
+    return std::make_unique<LinuxDesktop>(home);
+}
+
+} // namespace korvanti

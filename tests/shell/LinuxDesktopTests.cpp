@@ -1,0 +1,278 @@
+#include "shell/Desktop.h"
+
+#include "ShellSupport.h"
+#include "base/Text.h"
+#include "fs/PathTools.h"
+#include "shell/linux/LoginEntry.h"
+#include "support/BoxFolder.h"
+#include "support/Environment.h"
+#include "support/RunProgram.h"
+#include "support/TempFolder.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QDesktopServices>
+#include <QUrl>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// This system's desktop. In the box.
+namespace korvanti {
+namespace {
+
+using namespace korvanti::testing;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class LinuxDesktopTests : public ::testing::Test {
+protected:
+    LinuxDesktopTests() { application(); }
+
+    const BoxMac mac;
+    const ScopedVariable configuration{"XDG_CONFIG_HOME", std::nullopt};
+    std::unique_ptr<Desktop> desktop = systemDesktop(mac.home.path());
+};
+
+// Recycling
+
+class RecyclingTests : public LinuxDesktopTests {
+protected:
+    std::optional<Desktop::Result> recycled(const std::string& path) {
+        std::optional<Desktop::Result> answer;
+        desktop->recycle(path, [&](const Desktop::Result& result) { answer = result; });
+        EXPECT_FALSE(answer.has_value()) << "too early";
+        EXPECT_TRUE(waitFor([&] { return answer.has_value(); }));
+        return answer;
+    }
+};
+
+TEST_F(RecyclingTests, anApplicationGoesToTheTrash) {
+    mac.installApplication("Tool", "org.example.tool");
+    EXPECT_TRUE(recycled("/Applications/Tool.app")->has_value());
+    EXPECT_FALSE(std::filesystem::exists("/Applications/Tool.app"));
+    EXPECT_TRUE(std::filesystem::exists(mac.home.path(".Trash/Tool.app/Contents/Info.plist")));
+}
+
+TEST_F(RecyclingTests, theGuardIsAsked) {
+    mac.installApplication("Tool", "com.apple.tool");
+    const auto refused = recycled("/Applications/Tool.app");
+    ASSERT_FALSE(refused->has_value());
+    EXPECT_EQ(refused->error(), "Dilindungi (data penting): /Applications/Tool.app");
+    const auto file = mac.home.file("Documents/letter");
+    EXPECT_FALSE(recycled(mac.home.path("Documents"))->has_value());
+    EXPECT_TRUE(std::filesystem::exists("/Applications/Tool.app"));
+    EXPECT_TRUE(std::filesystem::exists(file));
+}
+
+TEST_F(RecyclingTests, aTrashThatTakesNothingSaysWhy) {
+    mac.installApplication("Tool", "org.example.tool");
+    mac.home.file(".Trash", {.text = "no folder"});
+    const auto refused = recycled("/Applications/Tool.app");
+    ASSERT_FALSE(refused->has_value());
+    EXPECT_EQ(refused->error(), "Gagal pada /Applications/Tool.app: bukan folder");
+    EXPECT_TRUE(std::filesystem::exists("/Applications/Tool.app"));
+}
+
+TEST_F(RecyclingTests, aDesktopThatIsGoneAnswersNobody) {
+    bool answered = false;
+    desktop->recycle(mac.home.path("Library/Caches/none"), [&](const Desktop::Result&) { answered = true; });
+    desktop.reset();
+    spinFor(std::chrono::milliseconds(50));
+    EXPECT_FALSE(answered);
+}
+
+// Starting with the session
+
+class LoginItemTests : public LinuxDesktopTests {
+protected:
+    const std::string entry = mac.home.path(".config/autostart/korvanti.desktop");
+};
+
+TEST_F(LoginItemTests, thereIsNoneAtFirst) {
+    EXPECT_FALSE(desktop->isLoginItem());
+    EXPECT_FALSE(std::filesystem::exists(mac.home.path(".config")));
+}
+
+TEST_F(LoginItemTests, itStartsThisProgramOrNoLonger) {
+    EXPECT_TRUE(desktop->setLoginItem(true).has_value());
+    EXPECT_TRUE(desktop->isLoginItem());
+    EXPECT_EQ(textOf(entry),
+              LoginEntry::text(std::filesystem::read_symlink("/proc/self/exe").string(), true));
+    EXPECT_TRUE(desktop->setLoginItem(false).has_value());
+    EXPECT_FALSE(desktop->isLoginItem());
+    EXPECT_EQ(PathTools::children(mac.home.path(".config/autostart")), std::vector{entry});
+}
+
+TEST_F(LoginItemTests, itLiesWhereTheUserHasTheConfiguration) {
+    const ScopedVariable elsewhere("XDG_CONFIG_HOME", mac.home.path("elsewhere"));
+    EXPECT_TRUE(desktop->setLoginItem(true).has_value());
+    EXPECT_TRUE(desktop->isLoginItem());
+    EXPECT_TRUE(std::filesystem::exists(mac.home.path("elsewhere/autostart/korvanti.desktop")));
+}
+
+TEST_F(LoginItemTests, aPlaceThatIsNotAbsoluteCountsAsNone) {
+    const ScopedVariable relative("XDG_CONFIG_HOME", "relative");
+    EXPECT_TRUE(desktop->setLoginItem(true).has_value());
+    EXPECT_TRUE(std::filesystem::exists(entry));
+}
+
+TEST_F(LoginItemTests, whatStandsInTheWayIsTold) {
+    mac.home.file(".config", {.text = "no folder"});
+    const auto refused = desktop->setLoginItem(true);
+    ASSERT_FALSE(refused.has_value());
+    EXPECT_EQ(refused.error(), "Gagal pada /Users/tester/.config/autostart: bukan folder");
+    EXPECT_FALSE(desktop->isLoginItem());
+}
+
+TEST_F(LoginItemTests, aFolderThatTakesNoFileIsTold) {
+    mac.home.folder(".config/autostart");
+    mac.home.setMode(".config/autostart", 0555);
+    const auto refused = desktop->setLoginItem(true);
+    mac.home.setMode(".config/autostart", 0755);
+    ASSERT_FALSE(refused.has_value());
+    EXPECT_EQ(refused.error(), "Gagal pada " + entry + ": tidak ada izin");
+}
+
+// Showing something
+
+/// A file manager on a bus of the test's own, and whoever opens what has no file manager.
+class FileManager : public QDBusVirtualObject {
+public:
+    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        calls.push_back(message.interface() + "." + message.member());
+        uris = message.arguments().value(0).toStringList();
+        connection.send(fails ? message.createErrorReply("org.example.No", "no") : message.createReply());
+        return true;
+    }
+
+    std::vector<QString> calls;
+    QStringList uris;
+    bool fails = false;
+};
+
+class Opener : public QObject {
+    Q_OBJECT
+
+public slots:
+    void open(const QUrl& url) { urls.push_back(url.toEncoded()); }
+
+public:
+    std::vector<QByteArray> urls;
+};
+
+class ShowingTests : public LinuxDesktopTests {
+protected:
+    /// One bus for all, since a process looks for its bus but once. No program is started from it.
+    static void SetUpTestSuite() {
+        static const TempFolder folder;
+        const auto configuration = folder.file(
+            "bus.conf",
+            {.text = "<busconfig><type>session</type><listen>unix:dir=" + folder.path() +
+                     "</listen><policy context='default'>"
+                     "<allow eavesdrop='true'/><allow send_destination='*' eavesdrop='true'/><allow own='*'/>"
+                     "</policy></busconfig>"});
+        const auto started = runProgram({"dbus-daemon", "--config-file=" + configuration, "--fork",
+                                         "--print-address=1", "--print-pid=1"});
+        ASSERT_EQ(started.status, 0) << started.err;
+        const auto lines = Text::pieces(started.out, '\n');
+        ASSERT_EQ(lines.size(), 2U) << started.out;
+        address = lines[0];
+        daemon = static_cast<pid_t>(Text::integer(lines[1]).value());
+        ASSERT_EQ(::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1), 0);
+    }
+    static void TearDownTestSuite() { stopBus(); }
+    static void stopBus() {
+        if (const auto process = std::exchange(daemon, 0); process > 0)
+            ::kill(process, SIGTERM);
+    }
+
+    ShowingTests() { QDesktopServices::setUrlHandler("file", &opener, "open"); }
+    ~ShowingTests() override {
+        QDesktopServices::unsetUrlHandler("file");
+        QDBusConnection::disconnectFromBus("fileManager");
+    }
+    void startFileManager() {
+        auto bus = QDBusConnection::connectToBus(QString::fromStdString(address), "fileManager");
+        EXPECT_TRUE(bus.registerVirtualObject("/org/freedesktop/FileManager1", &manager));
+        EXPECT_TRUE(bus.registerService("org.freedesktop.FileManager1"));
+    }
+
+    static inline std::string address;
+    static inline pid_t daemon = 0;
+    FileManager manager;
+    Opener opener;
+};
+
+TEST_F(ShowingTests, aFolderIsOpened) {
+    desktop->openFolder("/Users/tester/a b#?%\xFF");
+    EXPECT_THAT(opener.urls, ElementsAre("file:///Users/tester/a%20b%23%3F%25%FF"));
+}
+
+TEST_F(ShowingTests, theFileManagerShowsTheThingItself) {
+    startFileManager();
+    desktop->reveal("/Users/tester/a b/\xFF#");
+    ASSERT_TRUE(waitFor([&] { return !manager.calls.empty(); }));
+    EXPECT_THAT(manager.calls, ElementsAre("org.freedesktop.FileManager1.ShowItems"));
+    EXPECT_EQ(manager.uris, QStringList("file:///Users/tester/a%20b/%FF%23"));
+    spinFor(std::chrono::milliseconds(50));
+    EXPECT_THAT(opener.urls, IsEmpty());
+}
+
+TEST_F(ShowingTests, whereItFailsTheFolderIsOpened) {
+    startFileManager();
+    manager.fails = true;
+    desktop->reveal("/Users/tester/a/b");
+    ASSERT_TRUE(waitFor([&] { return !opener.urls.empty(); }));
+    EXPECT_THAT(opener.urls, ElementsAre("file:///Users/tester/a"));
+    EXPECT_THAT(manager.calls, SizeIs(1));
+}
+
+TEST_F(ShowingTests, thisProgramIsShownForTheSettings) {
+    startFileManager();
+    desktop->openFullDiskAccessSettings();
+    ASSERT_TRUE(waitFor([&] { return !manager.calls.empty(); }));
+    EXPECT_EQ(manager.uris, QStringList("file://" + QString::fromStdString(
+                                                        std::filesystem::read_symlink("/proc/self/exe"))));
+}
+
+TEST_F(ShowingTests, aDesktopThatIsGoneOpensNothing) {
+    startFileManager();
+    manager.fails = true;
+    desktop->reveal("/Users/tester/a/b");
+    desktop.reset();
+    ASSERT_TRUE(waitFor([&] { return !manager.calls.empty(); }));
+    spinFor(std::chrono::milliseconds(50));
+    EXPECT_THAT(opener.urls, IsEmpty());
+}
+
+TEST_F(ShowingTests, withoutAFileManagerTheFolderIsOpened) {
+    desktop->reveal("/Users/tester/a/b");
+    EXPECT_THAT(opener.urls, IsEmpty());
+    ASSERT_TRUE(waitFor([&] { return !opener.urls.empty(); }));
+    EXPECT_THAT(opener.urls, ElementsAre("file:///Users/tester/a"));
+}
+
+TEST_F(ShowingTests, withoutABusTheFolderIsOpened) {
+    stopBus();
+    spinFor(std::chrono::milliseconds(50));
+    desktop->reveal("/Users/tester/a/b");
+    ASSERT_TRUE(waitFor([&] { return !opener.urls.empty(); }));
+    EXPECT_THAT(opener.urls, ElementsAre("file:///Users/tester/a"));
+}
+
+} // namespace
+} // namespace korvanti
+
+#include "LinuxDesktopTests.moc"

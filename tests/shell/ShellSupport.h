@@ -1,0 +1,96 @@
+#pragma once
+
+#include "cleaning/SafetyGuard.h"
+#include "shell/AppModel.h"
+#include "shell/Desktop.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QThread>
+#include <chrono>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace korvanti::testing {
+
+/// The application object that Qt needs, made on first use.
+inline QCoreApplication& application() {
+    static int count = 1;
+    static char name[] = "tests";
+    static char* arguments[] = {name, nullptr};
+    static QCoreApplication application(count, arguments);
+    return application;
+}
+
+/// Lets events happen until something is true, for half a minute at the most.
+[[nodiscard]] inline bool waitFor(const std::function<bool()>& isTrue) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!isTrue() && timer.elapsed() < 30'000) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        QThread::msleep(1);
+    }
+    return isTrue();
+}
+
+/// Lets events happen for a while: for what must not happen.
+inline void spinFor(std::chrono::milliseconds time) {
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < time.count()) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        QThread::msleep(1);
+    }
+}
+
+/// A desktop that does what the test says and remembers what it was asked.
+class ScriptedDesktop : public Desktop {
+public:
+    struct Script {
+        std::deque<Result> recycling; ///< the next answers; success when there is none
+        std::function<void()> whileRecycling;
+        Result loginItem;
+        bool isLoginItem = false;
+        std::vector<std::string> recycled;
+        std::vector<std::string> revealed;
+        std::vector<std::string> opened;
+        std::vector<bool> loginItems;
+        int settingsOpened = 0;
+        std::function<void()> mountsChanged;
+    };
+
+    explicit ScriptedDesktop(Script& script) : script_(script) {}
+
+    void recycle(const std::string& path, const Answer& answer) override {
+        script_.recycled.push_back(path);
+        Result result;
+        if (!script_.recycling.empty()) {
+            result = script_.recycling.front();
+            script_.recycling.pop_front();
+        }
+        if (result)
+            std::filesystem::remove_all(path);
+        if (script_.whileRecycling)
+            script_.whileRecycling();
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [answer, result] { answer(result); }, Qt::QueuedConnection);
+    }
+    void watchMounts(std::function<void()> changed) override { script_.mountsChanged = std::move(changed); }
+    [[nodiscard]] bool isLoginItem() const override { return script_.isLoginItem; }
+    Result setLoginItem(bool enabled) override {
+        script_.loginItems.push_back(enabled);
+        return script_.loginItem;
+    }
+    void openFullDiskAccessSettings() override { ++script_.settingsOpened; }
+    void reveal(const std::string& path) override { script_.revealed.push_back(path); }
+    void openFolder(const std::string& path) override { script_.opened.push_back(path); }
+
+private:
+    Script& script_;
+};
+
+} // namespace korvanti::testing
