@@ -1,36 +1,35 @@
 #include "platform/Platform.h"
-#include "process/Toolchain.h"
+#include "start/ProcessStart.h"
 #include "terminal/TerminalFace.h"
 
-#include <csignal>
+#include <cerrno>
 #include <cstdio>
-#include <fcntl.h>
+#include <cstring>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace {
 
-/// A standard stream that the caller closed must not become the number of a folder that we open.
-void keepStandardStreamsTaken() {
-    for (int descriptor = 0; descriptor <= 2; ++descriptor) {
-        if (::fcntl(descriptor, F_GETFD) < 0)
-            static_cast<void>(::open("/dev/null", O_RDWR));
-    }
+/// The window is a program of its own beside this one, so that the terminal face loads none of it.
+int becomeTheWindow(char** argv) {
+    const auto own = korvanti::Platform::executablePath();
+    auto window = own.substr(0, own.rfind('/') + 1) + "korvanti-window";
+    argv[0] = window.data();
+    ::execv(window.c_str(), argv);
+    std::fprintf(stderr,
+                 "Jendela Korvanti tidak bisa dibuka: %s: %s\n"
+                 "Jalankan `korvanti --report` untuk laporan di terminal.\n",
+                 window.c_str(), std::strerror(errno));
+    return 1;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    keepStandardStreamsTaken();
-    std::signal(SIGCHLD, SIG_DFL); // a caller that ignores it leaves that to us, and no tool its status
-    std::signal(SIGPIPE, SIG_IGN); // who stops reading our output gets no more of it; that is no fault
-    korvanti::Platform::raiseOpenFileLimit();
-    korvanti::Toolchain::restrainGit();
-
+    korvanti::prepareProcess();
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     if (korvanti::TerminalFace::isChosen(arguments))
         return korvanti::TerminalFace::run(arguments);
-    std::fputs("Build ini belum punya jendela. Jalankan `korvanti --report` untuk laporan di terminal.\n",
-               stderr);
-    return 0;
+    return argc > 0 ? becomeTheWindow(argv) : 1;
 }

@@ -83,14 +83,54 @@ TEST_F(EndToEndTests, prefersTheUsageTextToAScan) {
     EXPECT_EQ(result.err, "");
 }
 
-TEST_F(EndToEndTests, isTheApplicationWithoutAFlagOfTheTerminal) {
-    for (const auto& arguments :
-         {std::vector<std::string>{}, {"--foo"}, {"--REPORT"}, {"--report=x"}, {"-report"}}) {
-        const auto result = korvanti(arguments);
+/// The program where a test can say what lies beside it.
+class BesideTests : public EndToEnd {
+protected:
+    BesideTests() {
+        mac.home.folder("bin");
+        std::filesystem::copy_file(KORVANTI_EXECUTABLE, program);
+    }
+    void layWindow(std::filesystem::perms permissions) const {
+        mac.home.file("bin/korvanti-window", {.text = "#!/bin/sh\necho \"$0\" \"$@\"\nexit 7\n"});
+        std::filesystem::permissions(window, permissions);
+    }
 
+    const std::string program = mac.home.path("bin/korvanti");
+    const std::string window = mac.home.path("bin/korvanti-window");
+};
+
+TEST_F(BesideTests, itIsTheWindowWithoutAFlagOfTheTerminal) {
+    layWindow(std::filesystem::perms::owner_all);
+    for (const auto& arguments :
+         {std::vector<std::string>{}, {"--foo"}, {"--REPORT"}, {"--report=x"}, {"-report", "two words"}}) {
+        std::vector<std::string> command = {program};
+        std::string expected = window;
+        for (const auto& argument : arguments) {
+            command.push_back(argument);
+            expected += " " + argument;
+        }
+        const auto result = runProgram(command);
+        EXPECT_EQ(result.out, expected + "\n");
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(result.status, 7);
+    }
+}
+
+TEST_F(BesideTests, theWindowIsFoundThroughALinkToTheProgram) {
+    layWindow(std::filesystem::perms::owner_all);
+    std::filesystem::create_symlink(program, mac.home.path("korvanti"));
+    EXPECT_EQ(runProgram({mac.home.path("korvanti")}).out, window + "\n");
+}
+
+TEST_F(BesideTests, withoutAWindowItSaysSo) {
+    for (const bool isLocked : {false, true}) {
+        if (isLocked)
+            layWindow(std::filesystem::perms::owner_read);
+        const auto result = runProgram({program});
+        EXPECT_EQ(result.status, 1);
         EXPECT_EQ(result.out, "");
-        EXPECT_EQ(result.err,
-                  "Build ini belum punya jendela. Jalankan `korvanti --report` untuk laporan di terminal.\n");
+        EXPECT_THAT(result.err, StartsWith("Jendela Korvanti tidak bisa dibuka: " + window + ": "));
+        EXPECT_THAT(result.err, EndsWith("\nJalankan `korvanti --report` untuk laporan di terminal.\n"));
     }
 }
 

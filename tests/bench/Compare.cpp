@@ -191,11 +191,11 @@ public:
         fmt::print("cores used   {}\n", keepToTwoCores() ? "2" : "all: this system can't be told to use two");
         fmt::print("runs         {} of each, taking turns; medians\n", runs_);
 
-        const bool done = (!chosen("warm") || warm()) && (!chosen("cold") || cold()) &&
-                          (!chosen("shapes") || shapes()) && (!chosen("growth") || growth()) &&
-                          (!chosen("start") || start()) && (!chosen("scan") || scan()) &&
-                          (!chosen("map") || map()) && (!chosen("removal") || removal()) &&
-                          (!chosen("guard") || guard()) && (!chosen("speed") || speed());
+        const bool done =
+            (!chosen("warm") || warm()) && (!chosen("cold") || cold()) && (!chosen("shapes") || shapes()) &&
+            (!chosen("growth") || growth()) && (!chosen("start") || start()) && (!chosen("scan") || scan()) &&
+            (!chosen("map") || map()) && (!chosen("removal") || removal()) && (!chosen("guard") || guard()) &&
+            (!chosen("speed") || speed()) && (!chosen("window") || window());
         return done && verdicts_.summary() ? 0 : 1;
     }
 
@@ -650,6 +650,56 @@ private:
 #endif
     }
 
+    /// The window with a saved report: from the start of the program to the picture, at rest, and with a long
+    /// list. Drawn by the processor alone.
+    bool window() {
+#ifndef KORVANTI_LIST_SPEED
+        fmt::print("\nThe window: not measured, this system has no screen for it or it was not built\n");
+        return true;
+#else
+        if (findProgram("Xvfb").empty()) {
+            fmt::print("\nThe window: not measured, Xvfb is not installed\n");
+            return true;
+        }
+        const std::string home = trees_ + "/window-home";
+        std::error_code error;
+        fs::create_directories(home, error);
+        const std::int64_t items = 10'000;
+        fmt::print("\nThe window: a saved report, drawn by the processor, list of {} items\n",
+                   grouped(items));
+        std::vector<double> starts, idle, memory, resets, keystrokes, frames, late;
+        for (int round = 0; round < runs_; ++round) {
+            const auto started = bench::run({{KORVANTI_WINDOW_START, arguments_.korvanti, home}, {}});
+            const auto listed = bench::run({{KORVANTI_LIST_SPEED, home, std::to_string(items)}, {}});
+            if (!started || !listed)
+                return false;
+            auto numbers = numbersByName(started->output);
+            numbers.merge(numbersByName(listed->output));
+            const auto number = [&](const char* name) { return static_cast<double>(numbers[name]); };
+            starts.push_back(number("millisecondsToPicture"));
+            idle.push_back(number("idleMicroseconds") / 1000);
+            memory.push_back(number("peakMemory"));
+            resets.push_back(number("resetMicroseconds") / 1000);
+            keystrokes.push_back(number("keystrokeMicroseconds") / 1000);
+            frames.push_back(number("slowestFrameMicroseconds") / 1000);
+            late.push_back(number("framesLate"));
+        }
+        const auto below = [&](const std::string& what, double value, double wanted) {
+            verdicts_.print("window: " + what, fmt::format("{:.1f} ms", value),
+                            fmt::format("< {} ms", wanted), value < wanted);
+        };
+        below("painted after its start", median(starts), 500);
+        below("processor time of 5 s at rest", median(idle), 10);
+        below("filter changed and painted", median(resets), 100);
+        below("keystroke painted, the longest", median(keystrokes), 50);
+        below("scrolling, the slowest frame", median(frames), 34);
+        verdicts_.print("window: late frames of 150", fmt::format("{:.0f}", median(late)), "0",
+                        median(late) == 0);
+        fmt::print("  peak memory of the program {}\n", megabytes(static_cast<std::int64_t>(median(memory))));
+        return true;
+#endif
+    }
+
     Arguments arguments_;
     std::string trees_;
     int runs_;
@@ -658,7 +708,7 @@ private:
 
 constexpr std::string_view usage =
     "usage: korvanti_bench [--quick] [--runs N] [--trees FOLDER] [--korvanti PROGRAM]\n"
-    "                      [--only warm|cold|shapes|growth|start|scan|map|removal|guard|speed]\n"
+    "                      [--only warm|cold|shapes|growth|start|scan|map|removal|guard|speed|window]\n"
     "  --quick   trees of a tenth of the size, three runs\n"
     "  --trees   where the trees are kept from one run to the next (3 GB)\n";
 
@@ -678,8 +728,8 @@ std::optional<Arguments> parse(const std::vector<std::string>& words) {
         } else if (word == "--korvanti") {
             arguments.korvanti = value;
         } else if (word == "--only") {
-            constexpr std::string_view sections[] = {"warm", "cold", "shapes",  "growth", "start",
-                                                     "scan", "map",  "removal", "guard",  "speed"};
+            constexpr std::string_view sections[] = {"warm", "cold",    "shapes", "growth", "start", "scan",
+                                                     "map",  "removal", "guard",  "speed",  "window"};
             if (std::ranges::find(sections, value) == std::end(sections))
                 return std::nullopt;
             arguments.only = value;

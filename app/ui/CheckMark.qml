@@ -1,0 +1,44 @@
+import QtQuick
+import QtQuick.Templates as T
+import Korvanti.Ui
+
+/// A checkbox that shows what its owner says: a click only asks.
+T.CheckBox { // a button with another role has its own again once somebody listens
+    id: root
+
+    required property bool marked
+    required property string label ///< what is chosen, for those who can't see it
+
+    implicitWidth: Brand.scaled(16)
+    implicitHeight: Brand.scaled(16)
+    focusPolicy: Qt.StrongFocus
+    checked: root.marked
+    nextCheckState: () => root.marked ? Qt.Checked : Qt.Unchecked
+    Accessible.name: root.label
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+    containmentMask: Item { // easier to hit than it is large
+        parent: root
+        x: -6
+        y: -6
+        width: root.width + 12
+        height: root.height + 12
+    }
+
+    background: Rectangle {
+        radius: Brand.scaled(4.5)
+        color: !root.enabled ? Brand.checkboxDisabled
+             : root.marked ? (root.down ? Brand.fillPressed : root.hovered ? Brand.fillHover : Brand.fill)
+             : root.down ? Brand.controlPressed : root.hovered ? Brand.controlHover : Brand.control
+        border.width: root.marked && root.enabled ? 0 : 1
+        border.color: root.enabled ? Brand.checkboxBorder : Brand.cardBorder
+        Symbol {
+            anchors.centerIn: parent
+            visible: root.marked && root.enabled
+            name: "checkmark"
+            size: 12
+            color: Brand.white
+        }
+        FocusRing { visible: root.visualFocus; around: parent.radius }
+    }
+}

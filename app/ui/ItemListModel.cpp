@@ -1,0 +1,219 @@
+#include "ui/ItemListModel.h"
+
+#include "base/CheckedMath.h"
+#include "base/Formatters.h"
+#include "ui/ScreenText.h"
+
+#include <QStringList>
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace korvanti {
+namespace {
+
+using Row = ItemListModel::Row;
+
+struct Role {
+    std::string_view name;
+    QVariant (*value)(const Row& row);
+};
+
+constexpr auto roles = std::to_array<Role>({
+    {"section", [](const Row& row) -> QVariant { return screenText(rawValue(row.item.category)); }},
+    {"title", [](const Row& row) -> QVariant { return screenText(row.item.title); }},
+    {"detail", [](const Row& row) -> QVariant { return screenText(row.item.detail); }},
+    {"path", [](const Row& row) -> QVariant { return screenText(row.item.displayPath()); }},
+    {"fullPath", [](const Row& row) -> QVariant { return screenText(row.item.path); }},
+    {"warnings",
+     [](const Row& row) -> QVariant {
+         QStringList warnings;
+         std::ranges::transform(row.item.warnings, std::back_inserter(warnings), screenText);
+         return warnings;
+     }},
+    {"sizeText", [](const Row& row) -> QVariant { return sizeText(row.item.bytes); }},
+    {"lastActivity",
+     [](const Row& row) -> QVariant {
+         const auto date = row.item.lastActivity;
+         return date ? screenText(Formatters::relative(*date, currentInstant())) : QString();
+     }},
+    {"verb",
+     [](const Row& row) -> QVariant {
+         return row.item.isSelectable() ? screenText(row.item.action.verb()) : QString();
+     }},
+    {"safety", [](const Row& row) -> QVariant { return std::to_underlying(row.item.safety); }},
+    {"isSelectable", [](const Row& row) -> QVariant { return row.item.isSelectable(); }},
+    {"isSelected", [](const Row& row) -> QVariant { return row.isSelected; }},
+    {"isRecommended", [](const Row& row) -> QVariant { return row.item.recommended; }},
+    {"isManual", [](const Row& row) -> QVariant { return !row.item.action.isAutomatic(); }},
+    {"instructions",
+     [](const Row& row) -> QVariant {
+         return QString::fromStdString(Text::repaired(row.item.action.instructions().value_or("")));
+     }},
+    {"showInstructions", [](const Row& row) -> QVariant { return row.showInstructions; }},
+    {"spokenTitle",
+     [](const Row& row) -> QVariant {
+         return QStringList{screenText(row.item.title), screenText(label(row.item.safety)),
+                            sizeText(row.item.bytes)}
+             .join(", ");
+     }},
+    {"spokenDetail",
+     [](const Row& row) -> QVariant {
+         QStringList texts = {screenText(row.item.detail), screenText(row.item.displayPath())};
+         std::ranges::transform(row.item.warnings, std::back_inserter(texts), screenText);
+         texts.removeAll("");
+         return texts.join(", ");
+     }},
+});
+
+constexpr int firstRole = Qt::UserRole + 1;
+
+consteval int role(std::string_view name) {
+    return firstRole + static_cast<int>(std::ranges::find(roles, name, &Role::name) - roles.begin());
+}
+
+} // namespace
+
+ItemListModel::ItemListModel(AppModel& model, QObject* parent) : QAbstractListModel(parent), model_(model) {
+    startAgain();
+    connect(&model, &AppModel::reportChanged, this, &ItemListModel::update);
+    connect(&model, &AppModel::filterChanged, this, &ItemListModel::startAgain);
+    connect(&model, &AppModel::categoryFilterChanged, this, &ItemListModel::startAgain);
+    connect(&model, &AppModel::searchChanged, this, &ItemListModel::startAgain);
+    connect(&model, &AppModel::selectionChanged, this, &ItemListModel::updateSelection);
+}
+
+int ItemListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+QVariant ItemListModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= rowCount() || role < firstRole ||
+        role >= firstRole + static_cast<int>(roles.size()))
+        return {};
+    return roles[static_cast<std::size_t>(role - firstRole)].value(
+        rows_[static_cast<std::size_t>(index.row())]);
+}
+
+QHash<int, QByteArray> ItemListModel::roleNames() const {
+    QHash<int, QByteArray> names;
+    for (int number = firstRole; const auto& role : roles)
+        names.insert(number++, QByteArray(role.name.data(), static_cast<qsizetype>(role.name.size())));
+    return names;
+}
+
+const CleanupItem* ItemListModel::item(int row) const {
+    return row >= 0 && row < rowCount() ? &rows_[static_cast<std::size_t>(row)].item : nullptr;
+}
+
+void ItemListModel::toggleInstructions(int row) {
+    const auto* shown = item(row);
+    if (shown == nullptr || shown->action.isAutomatic())
+        return;
+    auto& open = rows_[static_cast<std::size_t>(row)].showInstructions;
+    open = !open;
+    emit dataChanged(index(row), index(row), {role("showInstructions")});
+}
+
+std::vector<Row> ItemListModel::currentRows() const {
+    std::set<std::string_view> open;
+    for (const auto& row : rows_) {
+        if (row.showInstructions)
+            open.insert(row.item.id());
+    }
+    auto items = model_.filteredItems();
+    std::vector<Row> rows;
+    rows.reserve(items.size());
+    for (const ItemCategory category : allCases<ItemCategory>) {
+        for (auto& item : items) {
+            if (item.category != category)
+                continue;
+            const bool isSelected = model_.selection().contains(item.id());
+            const bool isOpen = !item.action.isAutomatic() && open.contains(item.id());
+            rows.push_back({.item = std::move(item), .isSelected = isSelected, .showInstructions = isOpen});
+        }
+    }
+    return rows;
+}
+
+void ItemListModel::startAgain() {
+    beginResetModel();
+    rows_ = currentRows();
+    updateSections();
+    endResetModel();
+}
+
+void ItemListModel::update() {
+    if (!shrinkTo(currentRows()))
+        startAgain();
+    else
+        updateSections();
+}
+
+bool ItemListModel::shrinkTo(const std::vector<Row>& rows) {
+    struct Run {
+        int first;
+        int last;
+    };
+    constexpr std::size_t mostRuns = 100; // above, a new list costs less
+    std::vector<Run> gone;
+    auto kept = rows.begin();
+    for (int row = 0; row < rowCount(); ++row) {
+        if (kept != rows.end() && rows_[static_cast<std::size_t>(row)].item == kept->item)
+            ++kept;
+        else if (!gone.empty() && gone.back().last == row - 1)
+            gone.back().last = row;
+        else
+            gone.push_back({.first = row, .last = row});
+    }
+    if (kept != rows.end() || gone.size() > mostRuns)
+        return false;
+    for (; !gone.empty(); gone.pop_back()) {
+        beginRemoveRows({}, gone.back().first, gone.back().last);
+        rows_.erase(rows_.begin() + gone.back().first, rows_.begin() + gone.back().last + 1);
+        endRemoveRows();
+    }
+    return true;
+}
+
+void ItemListModel::updateSelection() {
+    std::optional<int> first; // of a run of changed rows
+    for (int row = 0; row <= rowCount(); ++row) {
+        bool changed = false;
+        if (row < rowCount()) {
+            auto& [item, isSelected, showInstructions] = rows_[static_cast<std::size_t>(row)];
+            changed = isSelected != model_.selection().contains(item.id());
+            isSelected = isSelected != changed;
+        }
+        if (changed && !first)
+            first = row;
+        if (!changed && first)
+            emit dataChanged(index(*std::exchange(first, {})), index(row - 1), {role("isSelected")});
+    }
+}
+
+void ItemListModel::updateSections() {
+    QVariantMap sections;
+    for (auto row = rows_.begin(); row != rows_.end();) {
+        const auto category = row->item.category;
+        std::int64_t bytes = 0;
+        for (; row != rows_.end() && row->item.category == category; ++row) {
+            if (row->item.isSelectable())
+                bytes = addChecked(bytes, row->item.bytes);
+        }
+        sections.insert(screenText(rawValue(category)), QVariantMap{{"title", screenText(title(category))},
+                                                                    {"symbol", screenText(symbol(category))},
+                                                                    {"sizeText", sizeText(bytes)}});
+    }
+    if (sections == sections_)
+        return;
+    sections_ = std::move(sections);
+    emit sectionsChanged();
+}
+
+} // namespace korvanti

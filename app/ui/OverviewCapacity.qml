@@ -1,0 +1,56 @@
+import QtQuick
+import Korvanti.Ui
+
+/// How full the disk is, and when that was looked into.
+Column {
+    id: root
+
+    required property OverviewModel model
+
+    BrandText {
+        style: BrandText.Overline
+        text: "MACINTOSH HD"
+    }
+    Item {
+        width: 1
+        height: 4
+    }
+    BrandText {
+        objectName: "capacityText"
+        width: root.width
+        style: BrandText.Capacity
+        text: root.model.capacityText
+        color: root.model.isLow ? Brand.coral : Brand.ink
+        wrapMode: Text.WordWrap
+    }
+    Item {
+        width: 1
+        height: 11
+    }
+    CapacityBar {
+        objectName: "capacityBar"
+        width: root.width
+        used: root.model.usedBytes
+        total: root.model.totalBytes
+        warning: root.model.isLow
+    }
+    Item {
+        width: 1
+        height: 6
+    }
+    Row {
+        spacing: 7
+        Spinner {
+            anchors.verticalCenter: status.verticalCenter
+            visible: root.model.isScanning
+        }
+        BrandText {
+            id: status
+            objectName: "scanLine"
+            width: Math.min(implicitWidth, root.width - x)
+            style: BrandText.Caption
+            text: root.model.isScanning ? root.model.scanStatus : root.model.scanLine
+            elide: Text.ElideRight
+        }
+    }
+}

@@ -1,0 +1,221 @@
+#include "ui/OverviewModel.h"
+
+#include "base/ByteText.h"
+#include "base/Formatters.h"
+#include "ui/ScreenText.h"
+
+#include <QKeySequence>
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace korvanti {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// The classes that have a tile, in their order, and what a tap on it shows.
+struct Tile {
+    Safety safety;
+    std::string_view key;
+    ItemFilter filter;
+};
+constexpr std::array tileTable = {
+    Tile{Safety::regenerable, "regenerable", ItemFilter::deletable},
+    Tile{Safety::costly, "costly", ItemFilter::deletable},
+    Tile{Safety::review, "review", ItemFilter::review},
+    Tile{Safety::managed, "managed", ItemFilter::all},
+};
+
+/// Cut to a whole number; what a damaged file may hold beyond the range is moved to its end.
+std::int64_t wholePart(double number) {
+    constexpr double end = 0x1p63;
+    if (std::isnan(number))
+        return 0;
+    if (number >= end)
+        return std::numeric_limits<std::int64_t>::max();
+    return number < -end ? std::numeric_limits<std::int64_t>::min() : static_cast<std::int64_t>(number);
+}
+
+/// Without a fraction and with the point of no locale: "86 TB".
+std::string terabytesText(std::int64_t bytes) {
+    constexpr double terabyte = 1e12;
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
+                                   static_cast<double>(bytes) / terabyte, std::chars_format::fixed, 0);
+    return std::string(digits.data(), end.ptr) + " TB";
+}
+
+QList<RowList::Row> tileRows(const ScanReport& report) {
+    QList<RowList::Row> rows;
+    for (const auto& tile : tileTable)
+        rows.append({{"key", screenText(tile.key)},
+                     {"safety", static_cast<int>(tile.safety)},
+                     {"title", screenText(label(tile.safety))},
+                     {"value", sizeText(report.total(tile.safety))},
+                     {"caption", screenText(summary(tile.safety))}});
+    return rows;
+}
+
+/// Those that hold anything, the largest first.
+QList<RowList::Row> categoryRows(const ScanReport& report) {
+    struct Sum {
+        ItemCategory category;
+        std::int64_t bytes;
+    };
+    std::vector<Sum> sums;
+    for (const auto category : allCases<ItemCategory>)
+        if (const auto bytes = report.total(category); bytes >= 1)
+            sums.push_back({category, bytes});
+    std::ranges::stable_sort(sums, std::ranges::greater(), &Sum::bytes);
+
+    QList<RowList::Row> rows;
+    for (const auto& [category, bytes] : sums)
+        rows.append({{"key", screenText(rawValue(category))},
+                     {"symbol", screenText(symbol(category))},
+                     {"title", screenText(title(category))},
+                     {"sizeText", sizeText(bytes)},
+                     {"share", static_cast<double>(bytes) / static_cast<double>(sums.front().bytes)}});
+    return rows;
+}
+
+QList<RowList::Row> healthRows(const DiskSnapshot& disk) {
+    QList<RowList::Row> rows;
+    const auto add = [&](std::string_view label, std::string_view value) {
+        rows.append({{"label", screenText(label)}, {"value", screenText(value)}});
+    };
+    if (disk.smart && disk.smart->percentageUsed)
+        add("Keausan SSD internal", std::to_string(*disk.smart->percentageUsed) + "%");
+    if (disk.smart && disk.smart->dataWrittenBytes)
+        add("Total data ditulis", terabytesText(*disk.smart->dataWrittenBytes));
+    add("Swap terpakai", bytesText(disk.swapUsed));
+    add("RAM", memoryText(disk.physicalMemory));
+    add("Purgeable (dibebaskan macOS)", bytesText(disk.purgeable()));
+    return rows;
+}
+
+} // namespace
+
+OverviewModel::OverviewModel(AppModel& model, Clock now, QObject* parent)
+    : QObject(parent), model_(model), now_(std::move(now)) {
+    minute_.setInterval(1min);
+    minute_.setTimerType(Qt::VeryCoarseTimer);
+    connect(&minute_, &QTimer::timeout, this, &OverviewModel::refreshScanLine);
+    connect(&model_, &AppModel::reportChanged, this, &OverviewModel::readReport);
+    connect(&model_, &AppModel::isScanningChanged, this, &OverviewModel::isScanningChanged);
+    connect(&model_, &AppModel::scanStatusChanged, this, &OverviewModel::scanStatusChanged);
+    connect(&model_, &AppModel::freeBytesChanged, this, &OverviewModel::capacityChanged);
+    connect(&model_, &AppModel::totalBytesChanged, this, &OverviewModel::capacityChanged);
+    connect(&model_, &AppModel::settingsChanged, this, &OverviewModel::capacityChanged); // the threshold
+    readReport();
+}
+
+QString OverviewModel::scanStatus() const {
+    return screenText(model_.scanStatus());
+}
+
+QString OverviewModel::rescanHint() {
+    return "Pindai ulang (" + QKeySequence(Qt::CTRL | Qt::Key_R).toString(QKeySequence::NativeText) + ")";
+}
+
+QString OverviewModel::capacityText() const {
+    return sizeText(model_.freeBytes()) + " kosong dari " + sizeText(model_.totalBytes());
+}
+
+qint64 OverviewModel::usedBytes() const {
+    return model_.totalBytes() - model_.freeBytes(); // neither is ever negative
+}
+
+bool OverviewModel::asksForAccess() const {
+    return hasReport() && !model_.report()->disk.hasFullDiskAccess;
+}
+
+bool OverviewModel::swapIsLarge() const {
+    return hasReport() && model_.report()->disk.swapUsed > model_.report()->disk.physicalMemory / 2;
+}
+
+void OverviewModel::setIsShown(bool isShown) {
+    if (isShown == minute_.isActive())
+        return;
+    if (isShown) {
+        refreshScanLine();
+        minute_.start();
+    } else {
+        minute_.stop();
+    }
+    emit isShownChanged();
+}
+
+void OverviewModel::readReport() {
+    const auto report = model_.report().value_or(ScanReport());
+    const auto recommended = report.recommendedItems().size();
+    canClean_ = recommended > 0;
+    recommendedText_ = sizeText(report.recommendedBytes());
+    recommendedPromise_ =
+        screenText(std::to_string(recommended) +
+                   " item yang dibuat ulang otomatis (cache, file sementara, build lama, sisa "
+                   "app). Tidak ada dokumen, foto, kode, atau rilis yang ikut.");
+    tiles_.setRows(tileRows(report));
+    categories_.setRows(categoryRows(report));
+    health_.setRows(healthRows(report.disk));
+    QList<RowList::Row> notes;
+    for (const auto& note : report.notes)
+        notes.append({{"text", screenText(note)}});
+    notes_.setRows(notes);
+    refreshScanLine();
+    emit reportChanged();
+}
+
+void OverviewModel::refreshScanLine() {
+    QString line;
+    if (const auto& report = model_.report())
+        line = screenText("Dipindai " + Formatters::relative(report->startedAt, now_()) + " · " +
+                          std::to_string(wholePart(report->duration)) + " dtk");
+    if (std::exchange(scanLine_, line) != line)
+        emit scanLineChanged();
+}
+
+void OverviewModel::scan() {
+    model_.scan();
+}
+
+void OverviewModel::cleanRecommended() {
+    if (!hasReport())
+        return;
+    model_.selectRecommended();
+    model_.requestCleanup(model_.report()->recommendedItems());
+}
+
+void OverviewModel::showDetails() {
+    openCleanup(ItemFilter::recommended, std::nullopt);
+}
+
+void OverviewModel::tileTapped(const QString& key) {
+    for (const auto& tile : tileTable)
+        if (screenText(tile.key) == key)
+            openCleanup(tile.filter, std::nullopt);
+}
+
+void OverviewModel::categoryTapped(const QString& key) {
+    for (const auto category : allCases<ItemCategory>)
+        if (screenText(rawValue(category)) == key)
+            openCleanup(ItemFilter::deletable, category);
+}
+
+void OverviewModel::openCleanup(ItemFilter filter, std::optional<ItemCategory> category) {
+    model_.setFilter(filter);
+    model_.setCategoryFilter(category);
+    model_.setPane(Pane::cleanup);
+}
+
+void OverviewModel::openFullDiskAccessSettings() {
+    model_.openFullDiskAccessSettings();
+}
+
+} // namespace korvanti

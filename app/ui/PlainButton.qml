@@ -1,0 +1,66 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Korvanti.Ui
+
+/// A quiet button, with a symbol in front if it has one. While `busy` a spinner stands in place of its words.
+AbstractButton {
+    id: root
+
+    property string symbol: ""
+    property string hint: ""
+    property bool busy: false
+    property real size: 28 ///< height
+
+    implicitWidth: Math.ceil(implicitContentWidth) + leftPadding + rightPadding
+    implicitHeight: Brand.scaled(root.size)
+    leftPadding: Brand.scaled(12)
+    rightPadding: Brand.scaled(12)
+    focusPolicy: Qt.StrongFocus
+    Accessible.role: Accessible.Button
+    Accessible.name: root.text
+    Accessible.description: root.hint
+    Accessible.onPressAction: root.clicked()
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+
+    contentItem: Item {
+        implicitWidth: words.implicitWidth
+        implicitHeight: words.implicitHeight
+        Row {
+            id: words
+            anchors.centerIn: parent
+            spacing: Brand.scaled(6)
+            opacity: root.busy ? 0 : root.enabled ? 1 : 0.75
+            Symbol {
+                visible: root.symbol !== ""
+                anchors.verticalCenter: parent.verticalCenter
+                name: root.symbol
+                size: 15
+                color: label.color
+            }
+            BrandText {
+                id: label
+                anchors.verticalCenter: parent.verticalCenter
+                text: root.text
+                style: BrandText.CalloutMedium
+                color: root.enabled ? Brand.text : Brand.text3
+                Accessible.ignored: true
+            }
+        }
+        Spinner {
+            anchors.centerIn: parent
+            visible: root.busy
+            size: 14
+        }
+    }
+    background: Rectangle {
+        radius: Brand.scaled(7)
+        color: !root.enabled && !root.busy ? "transparent"
+             : root.down ? Brand.controlPressed : root.hovered ? Brand.controlHover : Brand.control
+        border.width: 1
+        border.color: root.enabled || root.busy ? Brand.controlBorder : Brand.cardBorder
+        Behavior on color { ColorAnimation { duration: Brand.hoverDuration; easing.type: Easing.OutQuad } }
+        FocusRing { visible: root.visualFocus; around: parent.radius }
+    }
+    Hint { text: root.hint; shown: root.hovered }
+}

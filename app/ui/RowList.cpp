@@ -1,0 +1,43 @@
+#include "ui/RowList.h"
+
+#include <algorithm>
+
+namespace korvanti {
+
+RowList::RowList(const QList<QByteArray>& roles, QObject* parent) : QAbstractListModel(parent) {
+    for (const auto& role : roles)
+        roles_.insert(Qt::UserRole + static_cast<int>(roles_.size()), role);
+}
+
+void RowList::setRows(const QList<Row>& rows) {
+    const auto kept = std::min(rows_.size(), rows.size());
+    if (rows_.size() > kept) {
+        beginRemoveRows({}, static_cast<int>(kept), static_cast<int>(rows_.size()) - 1);
+        rows_.resize(kept);
+        endRemoveRows();
+    }
+    for (qsizetype row = 0; row < kept; ++row) {
+        if (rows_[row] == rows[row])
+            continue;
+        rows_[row] = rows[row];
+        const auto changed = index(static_cast<int>(row));
+        emit dataChanged(changed, changed);
+    }
+    if (rows.size() > kept) {
+        beginInsertRows({}, static_cast<int>(kept), static_cast<int>(rows.size()) - 1);
+        rows_.append(rows.mid(kept));
+        endInsertRows();
+    }
+}
+
+int RowList::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+QVariant RowList::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= rows_.size())
+        return {};
+    return rows_[index.row()].value(roles_.value(role));
+}
+
+} // namespace korvanti

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "base/ByteText.h"
+#include "base/Text.h"
+
+#include <QString>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace korvanti {
+
+/// Bytes that may be anything, such as a name from the disk, as one line for the screen. For showing only:
+/// nothing is found again by it.
+[[nodiscard]] inline QString screenText(std::string_view bytes) {
+    return QString::fromStdString(Text::printable(bytes));
+}
+
+/// A size for the screen.
+[[nodiscard]] inline QString sizeText(std::int64_t bytes) {
+    return QString::fromStdString(bytesText(bytes));
+}
+
+} // namespace korvanti

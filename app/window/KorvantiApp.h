@@ -1,0 +1,70 @@
+#pragma once
+
+#include "shell/AppModel.h"
+#include "ui/CleanupModel.h"
+#include "ui/ConfirmModel.h"
+#include "ui/FrameModel.h"
+#include "ui/OverviewModel.h"
+#include "window/MenuBarItem.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPoint>
+#include <QQmlEngine>
+#include <QQuickWindow>
+#include <QRect>
+#include <QSize>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace korvanti {
+
+/// Where the panel goes, shadow included: below its item, or above one at the lower edge, and always within
+/// the screen. Without an item, the upper right corner.
+[[nodiscard]] QPoint panelPosition(const std::optional<QRect>& item, QSize panel, const QRect& screen);
+
+/// The running program: one model, the window and the panel over it, and the item in the menu bar. Needs a
+/// QApplication that does not quit on its own.
+class KorvantiApp : public QObject {
+    Q_OBJECT
+
+public:
+    using MakeItem = std::function<std::unique_ptr<MenuBarItem>(MenuBarItem::Clicked)>;
+
+    explicit KorvantiApp(std::unique_ptr<Desktop> desktop, const MakeItem& makeItem = systemMenuBarItem);
+    ~KorvantiApp() override;
+
+    /// The window is open, or what there is to read would not load.
+    [[nodiscard]] bool open();
+    /// To be called when the event loop has ended: waits for what must not be cut off.
+    void awaitEnd() { model_.awaitEnd(); }
+
+    [[nodiscard]] AppModel& model() { return model_; }
+    [[nodiscard]] QQuickWindow* window() { return window_.get(); }
+    [[nodiscard]] QQuickWindow* panel() { return panel_.get(); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+signals:
+    void finished(); ///< the program may end
+
+private:
+    std::unique_ptr<QQuickWindow> load(const QString& file, const QVariantMap& properties);
+    void showWindow();
+    void togglePanel();
+    void updateItem();
+
+    AppModel model_;
+    FrameModel frame_{model_};
+    OverviewModel overview_{model_};
+    CleanupModel cleanup_{model_};
+    ConfirmModel confirm_{model_};
+    QQmlEngine engine_;
+    std::unique_ptr<QQuickWindow> window_;
+    std::unique_ptr<QQuickWindow> panel_;
+    std::unique_ptr<MenuBarItem> item_;
+    QElapsedTimer panelLeft_; ///< since when the panel is hidden
+};
+
+} // namespace korvanti

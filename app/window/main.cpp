@@ -1,0 +1,47 @@
+#include "platform/Platform.h"
+#include "start/ProcessStart.h"
+#include "window/KorvantiApp.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QtQml/QQmlExtensionPlugin>
+#include <cstdio>
+#include <cstdlib>
+
+Q_IMPORT_QML_PLUGIN(Korvanti_UiPlugin)
+
+namespace {
+
+/// Qt would end the process as after a crash, for want of a screen above all.
+void report(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
+    if (type == QtFatalMsg) {
+        std::fputs("Jendela Korvanti tidak bisa dibuka: tidak ada layar yang bisa dipakai.\n"
+                   "Jalankan `korvanti --report` untuk laporan di terminal.\n",
+                   stderr);
+        std::_Exit(1);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    korvanti::prepareProcess();
+    qInstallMessageHandler(report);
+    QApplication application(argc, argv);
+    QApplication::setApplicationName("Korvanti");
+    QApplication::setQuitOnLastWindowClosed(false);
+    QIcon icon(":/qt/qml/Korvanti/Ui/art/application.svg");
+    icon.addPixmap(QIcon(":/qt/qml/Korvanti/Ui/art/application-16.svg").pixmap(16));
+    QApplication::setWindowIcon(icon);
+
+    korvanti::KorvantiApp app(korvanti::systemDesktop(korvanti::Platform::homeFolder()));
+    // Not `quit`, which asks first.
+    QObject::connect(&app, &korvanti::KorvantiApp::finished, [] { QApplication::exit(0); });
+    if (!app.open())
+        return 1;
+    const int status = QApplication::exec();
+    app.awaitEnd();
+    std::fflush(nullptr);
+    std::_Exit(status); // what only reads may still be at it
+}

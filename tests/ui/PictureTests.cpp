@@ -1,0 +1,198 @@
+#include "SampleReport.h"
+#include "UiSupport.h"
+#include "base/Json.h"
+#include "scan/ReportJson.h"
+#include "support/DiskSpace.h"
+#include "support/Environment.h"
+
+#include <QDir>
+#include <QImage>
+#include <QQmlContext>
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+#include <ostream>
+#include <set>
+#include <string>
+
+/// What the window looks like, pane by pane, over one sample Mac. Each picture is looked at by the test only
+/// as far as a program can, and saved in the folder that KORVANTI_PICTURES names, or else in one for
+/// temporary files, for people.
+namespace korvanti {
+namespace {
+
+using namespace korvanti::testing;
+
+struct Look {
+    const char* name;
+    bool dark;
+    QSize size;
+    double fontScale = 1;
+};
+
+void PrintTo(const Look& look, std::ostream* out) {
+    *out << look.name;
+}
+
+class PictureTests : public UiTests, public ::testing::WithParamInterface<Look> {
+protected:
+    PictureTests() {
+        setDark(GetParam().dark);
+        setFontScale(GetParam().fontScale);
+        mac.applications.folder("Xcode.app/Contents/Developer");
+        mac.answer("xcode-select -p", "/Applications/Xcode.app/Contents/Developer\n");
+        mac.answer("pgrep -x Xcode", "501\n");
+        mac.answer("pgrep -f GradleDaemon", "502\n");
+    }
+
+    void layReport() const {
+        mac.home.file("Library/Application Support/Korvanti/last-report.json",
+                      {.text = prettySortedJson(toJson(report))});
+    }
+    /// On a Mac that has been scanned, with the pane given.
+    void open(Pane pane) {
+        layReport();
+        openUnscanned();
+        model().setPane(pane);
+        settle();
+    }
+    void openUnscanned() {
+        window();
+        resize(GetParam().size.width(), GetParam().size.height());
+    }
+    void take(const std::string& name) {
+        settle(600); // whatever moves has come to its end
+        const auto picture = grab();
+        EXPECT_EQ(picture.size(), GetParam().size) << name;
+        EXPECT_GT(coloursOf(picture), 100U) << name << " is as good as blank";
+        const auto folder = qEnvironmentVariable("KORVANTI_PICTURES", QDir::tempPath() + "/pictures");
+        ASSERT_TRUE(QDir().mkpath(folder));
+        ASSERT_TRUE(
+            picture.save(folder + "/" + QString::fromStdString(name) + "-" + GetParam().name + ".png"));
+    }
+    static std::size_t coloursOf(const QImage& picture) {
+        std::set<QRgb> colours;
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x)
+                colours.insert(picture.pixel(x, y));
+        }
+        return colours.size();
+    }
+    [[nodiscard]] CleanupItem itemNamed(const std::string& title) const {
+        for (const auto& item : report.items)
+            if (item.title == title)
+                return item;
+        ADD_FAILURE() << "no sample is called " << title;
+        return {};
+    }
+    /// Five things of three kinds.
+    [[nodiscard]] std::vector<CleanupItem> chosen() const {
+        return {itemNamed("DerivedData Xcode"), itemNamed("Simulator klon test paralel"),
+                itemNamed("Cache build Gradle 8.4"), itemNamed("iPhone 12 mini · iOS 16.4"),
+                itemNamed("Xcode_16.1.xip")};
+    }
+    void layChosen() const {
+        for (const auto& item : chosen())
+            if (item.action.kind == CleanupAction::Kind::delete_)
+                std::filesystem::create_directories(item.path + "/contents");
+    }
+
+    const ScopedVariable language{"LC_ALL", "id_ID.UTF-8"};
+    std::optional<DiskSpace> space{std::in_place, sampleFreeBytes, sampleTotalBytes};
+    ScanReport report = sampleReport("/Users/tester", currentInstant());
+};
+
+TEST_P(PictureTests, theOverview) {
+    open(Pane::overview);
+    take("overview");
+}
+
+TEST_P(PictureTests, theOverviewWithRoomToSpare) {
+    space.emplace(samplePlentyBytes, sampleTotalBytes);
+    open(Pane::overview);
+    take("overview-plenty");
+}
+
+TEST_P(PictureTests, theOverviewThatAsksForAccess) {
+    report.disk.hasFullDiskAccess = false;
+    open(Pane::overview);
+    take("overview-access");
+}
+
+TEST_P(PictureTests, theOverviewOfACleanMac) {
+    report.items.clear();
+    report.notes.clear();
+    report.disk.smart.reset();
+    report.disk.swapUsed = 0;
+    open(Pane::overview);
+    take("overview-zero");
+}
+
+TEST_P(PictureTests, theMacThatWasNeverScanned) {
+    engine().rootContext()->setContextProperty("overviewModel", &overview());
+    show("OverviewView { anchors.fill: parent; model: overviewModel }", GetParam().size);
+    take("empty");
+}
+
+TEST_P(PictureTests, theFirstScan) {
+    mac.answerWithScript("diskutil info -plist /", "exec sleep 3");
+    openUnscanned();
+    ASSERT_TRUE(waitFor([&] { return model().scanStatus() == "Membaca kondisi disk…"; }));
+    take("scanning");
+}
+
+TEST_P(PictureTests, aLaterScan) {
+    mac.answerWithScript("diskutil info -plist /", "exec sleep 3");
+    open(Pane::overview);
+    model().scan();
+    ASSERT_TRUE(waitFor([&] { return model().scanStatus() == "Membaca kondisi disk…"; }));
+    take("rescanning");
+}
+
+TEST_P(PictureTests, theCleanupPane) {
+    open(Pane::cleanup);
+    model().setFilter(ItemFilter::all);
+    take("cleanup");
+}
+
+TEST_P(PictureTests, theQuestionBeforeACleanup) {
+    open(Pane::cleanup);
+    model().setFilter(ItemFilter::all);
+    model().requestCleanup(chosen());
+    settle(2'000); // the tools that are asked for warnings
+    take("confirm");
+}
+
+TEST_P(PictureTests, aCleanupThatRuns) {
+    mac.answerWithScript("xcrun simctl delete A3D94C12-7B60-49E1-8F02-5C1D9E7740AB", "exec sleep 3");
+    open(Pane::cleanup);
+    layChosen();
+    model().requestCleanup(chosen());
+    model().confirmCleanup();
+    ASSERT_TRUE(waitFor([&] { return model().cleanCurrent() == "iPhone 12 mini · iOS 16.4"; }));
+    take("running");
+}
+
+TEST_P(PictureTests, whatACleanupDid) {
+    mac.answer("xcrun simctl delete A3D94C12-7B60-49E1-8F02-5C1D9E7740AB", "");
+    open(Pane::cleanup);
+    layChosen();
+    model().requestCleanup(chosen());
+    model().confirmCleanup();
+    ASSERT_TRUE(waitFor([&] { return !model().isCleaning(); }));
+    take("result");
+}
+
+INSTANTIATE_TEST_SUITE_P(EachLook, PictureTests,
+                         ::testing::Values(Look{"light", false, {1140, 760}}, Look{"dark", true, {1140, 760}},
+                                           Look{"small-light", false, {960, 620}},
+                                           Look{"small-dark", true, {960, 620}},
+                                           Look{"large-text", false, {1140, 760}, 2}),
+                         [](const auto& look) {
+                             std::string name = look.param.name;
+                             std::ranges::replace(name, '-', '_');
+                             return name;
+                         });
+
+} // namespace
+} // namespace korvanti
