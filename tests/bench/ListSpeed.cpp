@@ -70,6 +70,8 @@ int main(int argc, char** argv) {
                                                {"cleanup", QVariant::fromValue(&cleanup)},
                                                {"confirm", QVariant::fromValue(&confirm)}}));
     auto* const window = qobject_cast<QQuickWindow*>(root.get());
+    if (window)
+        window->show();
     if (!window || !QTest::qWaitForWindowExposed(window)) {
         std::fprintf(stderr, "no window: %s\n", qPrintable(component.errorString()));
         return 1;
@@ -105,7 +107,7 @@ int main(int argc, char** argv) {
 
     model.setSearch("");
     QTest::qWait(200);
-    auto* const list = findBelow(window->contentItem(), "itemList");
+    auto* const list = findBelow(window->contentItem(), "items");
     if (!list) {
         std::fputs("no list\n", stderr);
         return 1;
