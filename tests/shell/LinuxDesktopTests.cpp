@@ -1,12 +1,11 @@
 #include "shell/Desktop.h"
 
 #include "ShellSupport.h"
-#include "base/Text.h"
 #include "fs/PathTools.h"
 #include "shell/linux/LoginEntry.h"
 #include "support/BoxFolder.h"
 #include "support/Environment.h"
-#include "support/RunProgram.h"
+#include "support/PrivateBus.h"
 #include "support/TempFolder.h"
 
 #include <QDBusConnection>
@@ -15,15 +14,12 @@
 #include <QDesktopServices>
 #include <QUrl>
 #include <chrono>
-#include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 /// This system's desktop. In the box.
@@ -174,29 +170,8 @@ public:
 
 class ShowingTests : public LinuxDesktopTests {
 protected:
-    /// One bus for all, since a process looks for its bus but once. No program is started from it.
-    static void SetUpTestSuite() {
-        static const TempFolder folder;
-        const auto configuration = folder.file(
-            "bus.conf",
-            {.text = "<busconfig><type>session</type><listen>unix:dir=" + folder.path() +
-                     "</listen><policy context='default'>"
-                     "<allow eavesdrop='true'/><allow send_destination='*' eavesdrop='true'/><allow own='*'/>"
-                     "</policy></busconfig>"});
-        const auto started = runProgram({"dbus-daemon", "--config-file=" + configuration, "--fork",
-                                         "--print-address=1", "--print-pid=1"});
-        ASSERT_EQ(started.status, 0) << started.err;
-        const auto lines = Text::pieces(started.out, '\n');
-        ASSERT_EQ(lines.size(), 2U) << started.out;
-        address = lines[0];
-        daemon = static_cast<pid_t>(Text::integer(lines[1]).value());
-        ASSERT_EQ(::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1), 0);
-    }
-    static void TearDownTestSuite() { stopBus(); }
-    static void stopBus() {
-        if (const auto process = std::exchange(daemon, 0); process > 0)
-            ::kill(process, SIGTERM);
-    }
+    static void SetUpTestSuite() { bus.emplace(); }
+    static void TearDownTestSuite() { bus.reset(); }
 
     ShowingTests() { QDesktopServices::setUrlHandler("file", &opener, "open"); }
     ~ShowingTests() override {
@@ -204,13 +179,13 @@ protected:
         QDBusConnection::disconnectFromBus("fileManager");
     }
     void startFileManager() {
-        auto bus = QDBusConnection::connectToBus(QString::fromStdString(address), "fileManager");
-        EXPECT_TRUE(bus.registerVirtualObject("/org/freedesktop/FileManager1", &manager));
-        EXPECT_TRUE(bus.registerService("org.freedesktop.FileManager1"));
+        auto connection =
+            QDBusConnection::connectToBus(QString::fromStdString(bus->address()), "fileManager");
+        EXPECT_TRUE(connection.registerVirtualObject("/org/freedesktop/FileManager1", &manager));
+        EXPECT_TRUE(connection.registerService("org.freedesktop.FileManager1"));
     }
 
-    static inline std::string address;
-    static inline pid_t daemon = 0;
+    static inline std::optional<PrivateBus> bus;
     FileManager manager;
     Opener opener;
 };
@@ -265,7 +240,7 @@ TEST_F(ShowingTests, withoutAFileManagerTheFolderIsOpened) {
 }
 
 TEST_F(ShowingTests, withoutABusTheFolderIsOpened) {
-    stopBus();
+    bus->stop();
     spinFor(std::chrono::milliseconds(50));
     desktop->reveal("/Users/tester/a/b");
     ASSERT_TRUE(waitFor([&] { return !opener.urls.empty(); }));

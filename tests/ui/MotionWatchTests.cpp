@@ -1,21 +1,17 @@
 #include "ui/MotionWatch.h"
 
 #include "ShellSupport.h"
-#include "base/Text.h"
-#include "support/RunProgram.h"
-#include "support/TempFolder.h"
+#include "support/PrivateBus.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QVariant>
-#include <csignal>
-#include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 /// Against a desktop's portal on a bus of the test's own.
@@ -47,35 +43,16 @@ public:
 
 class MotionWatchTests : public ::testing::Test {
 protected:
-    /// One bus for all, since a process looks for its bus but once. No program is started from it.
-    static void SetUpTestSuite() {
-        static const TempFolder folder;
-        const auto configuration = folder.file(
-            "bus.conf", {.text = "<busconfig><type>session</type><listen>unix:dir=" + folder.path() +
-                                 "</listen><policy context='default'><allow eavesdrop='true'/><allow "
-                                 "send_destination='*' eavesdrop='true'/><allow own='*'/>"
-                                 "</policy></busconfig>"});
-        const auto started = runProgram({"dbus-daemon", "--config-file=" + configuration, "--fork",
-                                         "--print-address=1", "--print-pid=1"});
-        ASSERT_EQ(started.status, 0) << started.err;
-        const auto lines = Text::pieces(started.out, '\n');
-        ASSERT_EQ(lines.size(), 2U) << started.out;
-        address = lines[0];
-        daemon = static_cast<pid_t>(Text::integer(lines[1]).value());
-        ASSERT_EQ(::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1), 0);
-    }
-    static void TearDownTestSuite() {
-        if (const auto process = std::exchange(daemon, 0); process > 0)
-            ::kill(process, SIGTERM);
-    }
+    static void SetUpTestSuite() { bus.emplace(); }
+    static void TearDownTestSuite() { bus.reset(); }
 
     MotionWatchTests() { application(); }
     ~MotionWatchTests() override { QDBusConnection::disconnectFromBus("portal"); }
 
     void startPortal() {
-        auto bus = QDBusConnection::connectToBus(QString::fromStdString(address), "portal");
-        EXPECT_TRUE(bus.registerVirtualObject("/org/freedesktop/portal/desktop", &portal));
-        EXPECT_TRUE(bus.registerService("org.freedesktop.portal.Desktop"));
+        auto connection = QDBusConnection::connectToBus(QString::fromStdString(bus->address()), "portal");
+        EXPECT_TRUE(connection.registerVirtualObject("/org/freedesktop/portal/desktop", &portal));
+        EXPECT_TRUE(connection.registerService("org.freedesktop.portal.Desktop"));
     }
     static void tellChange(const QString& group, const QString& key, const QVariant& value) {
         auto change = QDBusMessage::createSignal("/org/freedesktop/portal/desktop",
@@ -87,8 +64,7 @@ protected:
         watcher = watchMotion([this](bool reduced) { told.push_back(reduced); });
     }
 
-    static inline std::string address;
-    static inline pid_t daemon = 0;
+    static inline std::optional<PrivateBus> bus;
     Portal portal;
     std::vector<bool> told;
     std::unique_ptr<MotionWatch> watcher;
