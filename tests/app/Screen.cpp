@@ -29,14 +29,6 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     return pointers;
 }
 
-/// The first display number that no server has taken.
-std::string freeDisplay() {
-    int number = 90;
-    while (std::filesystem::exists("/tmp/.X11-unix/X" + std::to_string(number)))
-        ++number;
-    return ":" + std::to_string(number);
-}
-
 /// A number of the header of an X window dump, which is big-endian.
 std::uint32_t headerNumber(const std::string& dump, std::size_t index) {
     std::uint32_t number = 0;
@@ -110,13 +102,16 @@ std::optional<Point> Picture::findRow(std::uint32_t colour, int minimum,
 }
 
 Screen::Screen(int width, int height)
-    : display_(freeDisplay()),
-      server_({"Xvfb", display_, "-screen", "0", std::to_string(width) + "x" + std::to_string(height) + "x24",
-               "-fbdir", folder_.path(), "-nolisten", "tcp", "-noreset"},
+    : server_({"sh", "-c", R"(exec Xvfb "$@" 3>"$0")", folder_.path("display"), "-displayfd", "3", "-screen",
+               "0", std::to_string(width) + "x" + std::to_string(height) + "x24", "-fbdir", folder_.path(),
+               "-nolisten", "tcp", "-noreset"},
               {}) {
-    EXPECT_TRUE(waitUntil([&] {
-        return std::filesystem::exists("/tmp/.X11-unix/X" + display_.substr(1)) && picture().width == width;
-    })) << "the screen did not start";
+    // The server itself seeks a number that is free: its sockets are seen from outside of the box, too.
+    const auto number = folder_.path("display");
+    EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(number) && textOf(number).ends_with('\n'); }))
+        << "the screen did not start";
+    display_ = ":" + textOf(number).substr(0, textOf(number).find('\n'));
+    EXPECT_TRUE(waitUntil([&] { return picture().width == width; })) << "the screen shows nothing";
 }
 
 std::map<std::string, std::string> Screen::environment() const {
@@ -184,7 +179,7 @@ void Screen::input(const std::vector<std::string>& words) const {
 }
 
 bool Screen::waitUntil(const std::function<bool()>& isTrue) {
-    const auto end = std::chrono::steady_clock::now() + 30s;
+    const auto end = std::chrono::steady_clock::now() + 60s;
     while (!isTrue()) {
         if (std::chrono::steady_clock::now() > end)
             return false;

@@ -61,20 +61,20 @@ public:
     void click(Point point) const;
     void press(const std::string& key) const; ///< as xdotool names it
 
-    /// Where `findRow` finds something as soon as the screen shows it, for half a minute at the most.
+    /// Where `findRow` finds something as soon as the screen shows it, for a minute at the most.
     [[nodiscard]] std::optional<Point> waitForRow(std::uint32_t colour, int minimum,
                                                   std::optional<std::uint32_t> beside = std::nullopt) const;
     /// What the screen shows once it has stood still for half a second.
     [[nodiscard]] Picture stillPicture() const;
-    /// Asks again and again for half a minute at the most.
+    /// Asks again and again for a minute at the most.
     [[nodiscard]] static bool waitUntil(const std::function<bool()>& isTrue);
 
 private:
     void input(const std::vector<std::string>& words) const;
 
     TempFolder folder_;
-    std::string display_;
     BackgroundProgram server_;
+    std::string display_;
 };
 
 } // namespace korvanti::testing
