@@ -11,6 +11,10 @@ ApplicationWindow {
     required property OverviewModel overview
     required property CleanupModel cleanup
     required property ConfirmModel confirm
+    required property MapModel map
+    required property AppsModel apps
+    required property SsdModel ssd
+    required property HistoryModel history
 
     width: 1140
     height: 760
@@ -25,6 +29,10 @@ ApplicationWindow {
         context: Qt.WindowShortcut
         enabled: !root.frame.isScanning
         onActivated: root.frame.scan()
+    }
+    Shortcut {
+        sequence: StandardKey.Preferences
+        onActivated: root.frame.openSettings()
     }
     Shortcut {
         sequence: "Ctrl+F"
@@ -76,10 +84,25 @@ ApplicationWindow {
                 visible: root.frame.pane === 1
                 model: root.cleanup
             }
-            PlannedView {
+            StorageMapView {
                 anchors.fill: parent
-                visible: root.frame.pane > 1
-                model: root.frame
+                visible: root.frame.pane === 2
+                model: root.map
+            }
+            AppsView {
+                anchors.fill: parent
+                visible: root.frame.pane === 3
+                model: root.apps
+            }
+            SSDView {
+                anchors.fill: parent
+                visible: root.frame.pane === 4
+                model: root.ssd
+            }
+            HistoryView {
+                anchors.fill: parent
+                visible: root.frame.pane === 5
+                model: root.history
             }
         }
     }

@@ -1,11 +1,9 @@
 #include "ui/CleanupModel.h"
 
 #include "base/CheckedMath.h"
+#include "ui/Clipboard.h"
 #include "ui/ScreenText.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
-#include <QMimeData>
 #include <algorithm>
 #include <iterator>
 #include <optional>
@@ -166,13 +164,8 @@ void CleanupModel::reveal() {
 }
 
 void CleanupModel::copyPath() {
-    const auto* item = menuItem();
-    if (item == nullptr)
-        return;
-    // As bytes, so that who asks for bytes gets the very path even where it is no text.
-    auto* copied = new QMimeData;
-    copied->setData("text/plain", QByteArray::fromStdString(item->path));
-    QGuiApplication::clipboard()->setMimeData(copied);
+    if (const auto* item = menuItem())
+        copyToClipboard(item->path);
 }
 
 void CleanupModel::offload() {

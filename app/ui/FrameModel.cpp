@@ -97,14 +97,6 @@ int FrameModel::pane() const {
     return static_cast<int>(std::distance(paneRows.begin(), &rowOf(model_.pane())));
 }
 
-QString FrameModel::paneTitle() const {
-    return rowOf(model_.pane()).title;
-}
-
-QString FrameModel::paneSymbol() const {
-    return rowOf(model_.pane()).symbol;
-}
-
 double FrameModel::usedBytes() const {
     return static_cast<double>(model_.totalBytes() - model_.freeBytes());
 }

@@ -21,8 +21,6 @@ class FrameModel : public QObject {
     /// Roles: title, symbol, chosenSymbol, badge.
     Q_PROPERTY(korvanti::RowList* panes READ panes CONSTANT)
     Q_PROPERTY(int pane READ pane NOTIFY paneChanged)
-    Q_PROPERTY(QString paneTitle READ paneTitle NOTIFY paneChanged)
-    Q_PROPERTY(QString paneSymbol READ paneSymbol NOTIFY paneChanged)
     Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
 
     Q_PROPERTY(double usedBytes READ usedBytes NOTIFY capacityChanged)
@@ -59,8 +57,6 @@ public:
 
     [[nodiscard]] RowList* panes() { return &panes_; }
     [[nodiscard]] int pane() const; ///< row of the sidebar
-    [[nodiscard]] QString paneTitle() const;
-    [[nodiscard]] QString paneSymbol() const;
     [[nodiscard]] bool isScanning() const { return model_.isScanning(); }
 
     [[nodiscard]] double usedBytes() const;
@@ -91,6 +87,7 @@ public:
     [[nodiscard]] QString scanAction() const;
     [[nodiscard]] bool canClean() const;
 
+    Q_INVOKABLE void openSettings() { emit settingsRequested(); }
     Q_INVOKABLE void choosePane(int row); ///< a number that is no row changes nothing
     Q_INVOKABLE void scan();
     Q_INVOKABLE void dismissError();
@@ -116,7 +113,8 @@ signals:
     void messagesChanged();
     void reportChanged();
     void scanTextChanged();
-    void windowRequested(); ///< open it, or bring it to the front
+    void settingsRequested(); ///< open their window, or bring it to the front
+    void windowRequested();   ///< open it, or bring it to the front
     void quittingChanged();
     void quitRequested(); ///< now: nothing is under way that must end
 

@@ -33,6 +33,17 @@ std::string iconFile(const QString& symbol) {
     return bytes.toStdString();
 }
 
+void bringUp(QQuickWindow* window) {
+    if (!window)
+        return;
+    if (window->visibility() == QWindow::Minimized)
+        window->showNormal();
+    else
+        window->show();
+    window->raise();
+    window->requestActivate();
+}
+
 } // namespace
 
 QPoint panelPosition(const std::optional<QRect>& item, QSize panel, const QRect& screen) {
@@ -56,14 +67,16 @@ QPoint panelPosition(const std::optional<QRect>& item, QSize panel, const QRect&
 KorvantiApp::KorvantiApp(std::unique_ptr<Desktop> desktop, const MakeItem& makeItem)
     : model_(std::move(desktop)), item_(makeItem([this] { togglePanel(); })) {
     prepareForUi(engine_);
-    connect(&frame_, &FrameModel::windowRequested, this, &KorvantiApp::showWindow);
-    connect(&frame_, &FrameModel::quitRequested, this, &KorvantiApp::finished);
-    connect(&frame_, &FrameModel::capacityChanged, this, &KorvantiApp::updateItem);
+    connect(&panes_.frame, &FrameModel::windowRequested, this, &KorvantiApp::showWindow);
+    connect(&panes_.frame, &FrameModel::settingsRequested, this, &KorvantiApp::showSettings);
+    connect(&panes_.frame, &FrameModel::quitRequested, this, &KorvantiApp::finished);
+    connect(&panes_.frame, &FrameModel::capacityChanged, this, &KorvantiApp::updateItem);
     QCoreApplication::instance()->installEventFilter(this);
     updateItem();
 }
 
 KorvantiApp::~KorvantiApp() {
+    settingsWindow_.reset();
     panel_.reset();
     window_.reset();
 }
@@ -81,11 +94,8 @@ std::unique_ptr<QQuickWindow> KorvantiApp::load(const QString& file, const QVari
 }
 
 bool KorvantiApp::open() {
-    window_ = load("AppWindow.qml", {{"frame", QVariant::fromValue(&frame_)},
-                                     {"overview", QVariant::fromValue(&overview_)},
-                                     {"cleanup", QVariant::fromValue(&cleanup_)},
-                                     {"confirm", QVariant::fromValue(&confirm_)}});
-    panel_ = load("MenuBarPanel.qml", {{"frame", QVariant::fromValue(&frame_)}});
+    window_ = load("AppWindow.qml", panes_.properties());
+    panel_ = load("MenuBarPanel.qml", {{"frame", QVariant::fromValue(&panes_.frame)}});
     if (!window_ || !panel_)
         return false;
     connect(panel_.get(), &QWindow::visibleChanged, this, [this](bool visible) {
@@ -97,14 +107,13 @@ bool KorvantiApp::open() {
 }
 
 void KorvantiApp::showWindow() {
-    if (!window_)
-        return;
-    if (window_->visibility() == QWindow::Minimized)
-        window_->showNormal();
-    else
-        window_->show();
-    window_->raise();
-    window_->requestActivate();
+    bringUp(window_.get());
+}
+
+void KorvantiApp::showSettings() {
+    if (!settingsWindow_)
+        settingsWindow_ = load("SettingsWindow.qml", {{"model", QVariant::fromValue(&settings_)}});
+    bringUp(settingsWindow_.get());
 }
 
 void KorvantiApp::togglePanel() {
@@ -128,7 +137,7 @@ void KorvantiApp::togglePanel() {
 }
 
 void KorvantiApp::updateItem() {
-    item_->show(iconFile(frame_.labelSymbol()), frame_.labelText().toStdString());
+    item_->show(iconFile(panes_.frame.labelSymbol()), panes_.frame.labelText().toStdString());
 }
 
 bool KorvantiApp::eventFilter(QObject* watched, QEvent* event) {
@@ -138,7 +147,7 @@ bool KorvantiApp::eventFilter(QObject* watched, QEvent* event) {
     const bool isQuitting = event->type() == QEvent::Quit && watched == QCoreApplication::instance();
     if (isLastClosing || isQuitting) {
         event->ignore();
-        frame_.quit();
+        panes_.frame.quit();
         return true;
     }
     if (event->type() == QEvent::ApplicationPaletteChange && watched == QCoreApplication::instance())

@@ -1,10 +1,8 @@
 #pragma once
 
 #include "shell/AppModel.h"
-#include "ui/CleanupModel.h"
-#include "ui/ConfirmModel.h"
-#include "ui/FrameModel.h"
-#include "ui/OverviewModel.h"
+#include "ui/SettingsModel.h"
+#include "ui/WindowModels.h"
 #include "window/MenuBarItem.h"
 
 #include <QElapsedTimer>
@@ -43,6 +41,7 @@ public:
     [[nodiscard]] AppModel& model() { return model_; }
     [[nodiscard]] QQuickWindow* window() { return window_.get(); }
     [[nodiscard]] QQuickWindow* panel() { return panel_.get(); }
+    [[nodiscard]] QQuickWindow* settingsWindow() { return settingsWindow_.get(); }
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -52,17 +51,17 @@ signals:
 private:
     std::unique_ptr<QQuickWindow> load(const QString& file, const QVariantMap& properties);
     void showWindow();
+    void showSettings();
     void togglePanel();
     void updateItem();
 
     AppModel model_;
-    FrameModel frame_{model_};
-    OverviewModel overview_{model_};
-    CleanupModel cleanup_{model_};
-    ConfirmModel confirm_{model_};
+    WindowModels panes_{model_};
+    SettingsModel settings_{model_};
     QQmlEngine engine_;
     std::unique_ptr<QQuickWindow> window_;
     std::unique_ptr<QQuickWindow> panel_;
+    std::unique_ptr<QQuickWindow> settingsWindow_; ///< made when it is first asked for
     std::unique_ptr<MenuBarItem> item_;
     QElapsedTimer panelLeft_; ///< since when the panel is hidden
 };

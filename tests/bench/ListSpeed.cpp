@@ -6,11 +6,8 @@
 #include "SavedReport.h"
 #include "platform/Platform.h"
 #include "shell/AppModel.h"
-#include "ui/CleanupModel.h"
-#include "ui/ConfirmModel.h"
-#include "ui/FrameModel.h"
-#include "ui/OverviewModel.h"
 #include "ui/Ui.h"
+#include "ui/WindowModels.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
@@ -56,19 +53,13 @@ int main(int argc, char** argv) {
     }
     const QGuiApplication application(argc, argv);
     AppModel model(systemDesktop(Platform::homeFolder()));
-    FrameModel frame(model);
-    OverviewModel overview(model);
-    CleanupModel cleanup(model);
-    ConfirmModel confirm(model);
+    WindowModels panes(model);
     model.setPane(Pane::cleanup);
     QQmlEngine engine;
     prepareForUi(engine);
     QQmlComponent component(&engine, QUrl("qrc:/qt/qml/Korvanti/Ui/AppWindow.qml"));
     const std::unique_ptr<QObject> root(
-        component.createWithInitialProperties({{"frame", QVariant::fromValue(&frame)},
-                                               {"overview", QVariant::fromValue(&overview)},
-                                               {"cleanup", QVariant::fromValue(&cleanup)},
-                                               {"confirm", QVariant::fromValue(&confirm)}}));
+        component.createWithInitialProperties(panes.properties());
     auto* const window = qobject_cast<QQuickWindow*>(root.get());
     if (window)
         window->show();
@@ -79,7 +70,8 @@ int main(int argc, char** argv) {
     QTest::qWait(500);
 
     int painted = 0;
-    QObject::connect(window, &QQuickWindow::frameSwapped, window, [&] { ++painted; });
+    QObject::connect(window, &QQuickWindow::frameSwapped, window, [&] {
+        ++painted; });
     const auto untilPainted = [&](const auto& act) {
         const int before = painted;
         QElapsedTimer timer;
@@ -92,13 +84,15 @@ int main(int argc, char** argv) {
 
     qint64 reset = 0;
     for (const auto filter : {ItemFilter::all, ItemFilter::deletable, ItemFilter::all})
-        reset = std::max(reset, untilPainted([&] { model.setFilter(filter); }));
+        reset = std::max(reset, untilPainted([&] {
+        model.setFilter(filter); }));
     std::printf("resetMicroseconds %lld\n", static_cast<long long>(reset));
 
     QTest::keyClick(window, Qt::Key_F, Qt::ControlModifier);
     qint64 keystroke = 0;
     for (const char key : {'p', 'r', 'o', 'y', 'e', 'k', '-', '7'})
-        keystroke = std::max(keystroke, untilPainted([&] { QTest::keyClick(window, key); }));
+        keystroke = std::max(keystroke, untilPainted([&] {
+        QTest::keyClick(window, key); }));
     if (model.search() != "proyek-7") {
         std::fprintf(stderr, "the search holds %s\n", model.search().c_str());
         return 1;

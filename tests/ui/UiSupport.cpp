@@ -86,38 +86,17 @@ AppModel& UiTests::model() {
     return *model_;
 }
 
-FrameModel& UiTests::frame() {
-    if (!frame_)
-        frame_ = std::make_unique<FrameModel>(model());
-    return *frame_;
-}
-
-OverviewModel& UiTests::overview() {
-    if (!overview_)
-        overview_ = std::make_unique<OverviewModel>(model());
-    return *overview_;
-}
-
-CleanupModel& UiTests::cleanup() {
-    if (!cleanup_)
-        cleanup_ = std::make_unique<CleanupModel>(model());
-    return *cleanup_;
-}
-
-ConfirmModel& UiTests::confirm() {
-    if (!confirm_)
-        confirm_ = std::make_unique<ConfirmModel>(model());
-    return *confirm_;
+WindowModels& UiTests::panes() {
+    if (!panes_)
+        panes_ = std::make_unique<WindowModels>(model());
+    return *panes_;
 }
 
 QQuickWindow& UiTests::window() {
     if (!window_) {
         component_ =
             std::make_unique<QQmlComponent>(engine_.get(), QUrl("qrc:/qt/qml/Korvanti/Ui/AppWindow.qml"));
-        root_.reset(component_->createWithInitialProperties({{"frame", QVariant::fromValue(&frame())},
-                                                             {"overview", QVariant::fromValue(&overview())},
-                                                             {"cleanup", QVariant::fromValue(&cleanup())},
-                                                             {"confirm", QVariant::fromValue(&confirm())}}));
+        root_.reset(component_->createWithInitialProperties(panes().properties()));
         window_ = qobject_cast<QQuickWindow*>(root_.get());
         if (!window_)
             qFatal("%s", qPrintable(component_->errorString()));

@@ -3,11 +3,8 @@
 #include "ShellSupport.h"
 #include "shell/AppModel.h"
 #include "support/BoxFolder.h"
-#include "ui/CleanupModel.h"
-#include "ui/ConfirmModel.h"
-#include "ui/FrameModel.h"
-#include "ui/OverviewModel.h"
 #include "ui/Theme.h"
+#include "ui/WindowModels.h"
 
 #include <QImage>
 #include <QPoint>
@@ -34,10 +31,15 @@ protected:
 
     /// Made on first use, so that a test can lay down what they are to find.
     AppModel& model();
-    FrameModel& frame();
-    OverviewModel& overview();
-    CleanupModel& cleanup();
-    ConfirmModel& confirm();
+    WindowModels& panes();
+    FrameModel& frame() { return panes().frame; }
+    OverviewModel& overview() { return panes().overview; }
+    CleanupModel& cleanup() { return panes().cleanup; }
+    ConfirmModel& confirm() { return panes().confirm; }
+    MapModel& map() { return panes().map; }
+    AppsModel& apps() { return panes().apps; }
+    SsdModel& ssd() { return panes().ssd; }
+    HistoryModel& history() { return panes().history; }
     /// The program's window with all of these, shown.
     QQuickWindow& window();
     /// Instead of that, a window with one piece of QML in it: "PillButton { text: "Go" }". Its own width and
@@ -86,10 +88,7 @@ private:
     [[nodiscard]] QPoint middle(const QString& objectName);
 
     std::unique_ptr<AppModel> model_;
-    std::unique_ptr<FrameModel> frame_;
-    std::unique_ptr<OverviewModel> overview_;
-    std::unique_ptr<CleanupModel> cleanup_;
-    std::unique_ptr<ConfirmModel> confirm_;
+    std::unique_ptr<WindowModels> panes_;
     std::unique_ptr<QQmlEngine> engine_;
     std::unique_ptr<QQmlComponent> component_;
     std::unique_ptr<QObject> root_;
