@@ -136,6 +136,11 @@ void KorvantiApp::togglePanel() {
     panel_->requestActivate();
 }
 
+bool KorvantiApp::isHidden() const {
+    const auto isSeen = [](const auto& window) { return window && window->isVisible(); };
+    return !isSeen(window_) && !isSeen(panel_) && !isSeen(settingsWindow_);
+}
+
 void KorvantiApp::updateItem() {
     item_->show(iconFile(panes_.frame.labelSymbol()), panes_.frame.labelText().toStdString());
 }
@@ -150,6 +155,12 @@ bool KorvantiApp::eventFilter(QObject* watched, QEvent* event) {
         panes_.frame.quit();
         return true;
     }
+    // On a Mac, also a click on the icon in the Dock, which is how people open a window again there.
+    const bool isActivated =
+        event->type() == QEvent::ApplicationStateChange && watched == QCoreApplication::instance() &&
+        static_cast<QApplicationStateChangeEvent*>(event)->applicationState() == Qt::ApplicationActive;
+    if (isActivated && window_ && isHidden())
+        showWindow();
     if (event->type() == QEvent::ApplicationPaletteChange && watched == QCoreApplication::instance())
         updateItem();
     return QObject::eventFilter(watched, event);

@@ -54,6 +54,7 @@ private:
     void showSettings();
     void togglePanel();
     void updateItem();
+    [[nodiscard]] bool isHidden() const; ///< no window of the program can be seen
 
     AppModel model_;
     WindowModels panes_{model_};

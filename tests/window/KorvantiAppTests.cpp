@@ -130,6 +130,34 @@ TEST_F(KorvantiAppTests, closingTheWindowEndsNothingWhileTheItemIsThere) {
     EXPECT_EQ(app().model().pane(), Pane::overview);
 }
 
+TEST_F(KorvantiAppTests, theDocksIconOpensTheWindowAgain) {
+    saveReport({cache("one")});
+    const auto activate = [] {
+        QApplicationStateChangeEvent event(Qt::ApplicationActive);
+        QCoreApplication::sendEvent(QCoreApplication::instance(), &event);
+    };
+    app().window()->close();
+    settle();
+    openPanel();
+    activate();
+    EXPECT_FALSE(app().window()->isVisible()) << "the panel is what was asked for";
+    press(Qt::Key_Escape);
+    settle();
+    ASSERT_FALSE(app().panel()->isVisible());
+    activate();
+    EXPECT_TRUE(app().window()->isVisible());
+}
+
+TEST_F(KorvantiAppTests, aKeyOpensTheSettings) {
+    saveReport({cache("one")});
+    adopt(*app().window());
+    EXPECT_EQ(app().settingsWindow(), nullptr);
+    press(Qt::Key_Comma, Qt::ControlModifier);
+    settle();
+    ASSERT_NE(app().settingsWindow(), nullptr);
+    EXPECT_TRUE(app().settingsWindow()->isVisible());
+}
+
 TEST_F(KorvantiAppTests, withoutAnItemClosingTheWindowQuits) {
     saveReport({cache("one")});
     item_.isThere = false;

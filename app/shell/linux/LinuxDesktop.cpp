@@ -4,6 +4,7 @@
 #include "cleaning/Trash.h"
 #include "fs/FileContents.h"
 #include "fs/PathTools.h"
+#include "platform/Platform.h"
 #include "shell/Desktop.h"
 #include "shell/linux/LoginEntry.h"
 
@@ -27,10 +28,6 @@ namespace {
 /// Byte by byte: a name need not be text.
 QUrl urlOf(const std::string& path) {
     return QUrl::fromEncoded("file://" + QByteArray::fromStdString(path).toPercentEncoding("/"));
-}
-
-std::string thisProgram() {
-    return PathTools::linkTarget("/proc/self/exe").value_or("");
 }
 
 /// Where programs that start with the session are named.
@@ -76,11 +73,12 @@ public:
         const std::string folder(PathTools::parent(file));
         if (auto made = resultOf(FileContents::createFolders(folder), folder); !made)
             return made;
-        return resultOf(FileContents::writeAtomically(file, LoginEntry::text(thisProgram(), enabled)), file);
+        return resultOf(
+            FileContents::writeAtomically(file, LoginEntry::text(Platform::executablePath(), enabled)), file);
     }
 
     /// There is no such page here, and nothing that would need it.
-    void openFullDiskAccessSettings() override { reveal(thisProgram()); }
+    void openFullDiskAccessSettings() override { reveal(Platform::executablePath()); }
 
     /// The file manager is asked by message and not waited for. Without one, its folder is all that can be
     /// shown.
