@@ -18,6 +18,7 @@ namespace korvanti {
 namespace {
 
 using ::testing::ElementsAreArray;
+using ::testing::HasSubstr;
 
 using Kind = GuardError::Kind;
 using Verdict = std::expected<void, GuardError>;
@@ -157,6 +158,14 @@ TEST_F(SafetyGuardTests, knowsTheProtectedRoots) {
 TEST_F(SafetyGuardTests, knowsTheProtectedTrees) {
     EXPECT_EQ(protectedTrees.size(), 28U);
     EXPECT_THAT(SafetyGuardTables::protectedTrees, ElementsAreArray(protectedTrees));
+}
+
+TEST_F(SafetyGuardTests, whatIsPromisedToPeopleNamesEachEntry) {
+    const auto document = testing::textOf(KORVANTI_TEST_DATA "/../../docs/safety.md");
+    for (const auto* names : {&sensitiveSuffixes, &protectedRoots, &protectedTrees}) {
+        for (const auto& name : *names)
+            EXPECT_THAT(document, HasSubstr("`" + name + "`"));
+    }
 }
 
 // The form of a path
