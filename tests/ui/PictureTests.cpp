@@ -8,7 +8,9 @@
 #include <QDir>
 #include <QImage>
 #include <QQmlContext>
+#include <QTest>
 #include <algorithm>
+#include <expected>
 #include <filesystem>
 #include <optional>
 #include <ostream>
@@ -153,6 +155,40 @@ TEST_P(PictureTests, theCleanupPane) {
     open(Pane::cleanup);
     model().setFilter(ItemFilter::all);
     take("cleanup");
+}
+
+TEST_P(PictureTests, theMenuOfAnItem) {
+    open(Pane::cleanup);
+    model().setFilter(ItemFilter::review);
+    model().setSearch("Xcode_16");
+    settle();
+    const auto row = QString::fromStdString("row:" + itemNamed("Xcode_16.1.xip").path);
+    QTest::mouseClick(&window(), Qt::RightButton, Qt::NoModifier, place(row).center().toPoint());
+    take("menu");
+}
+
+TEST_P(PictureTests, theChoiceOfACategory) {
+    open(Pane::cleanup);
+    settle();
+    click("categoryPicker");
+    take("categories");
+}
+
+TEST_P(PictureTests, whatToDoByHand) {
+    open(Pane::cleanup);
+    model().setFilter(ItemFilter::all);
+    model().setSearch("Safari");
+    settle();
+    click("guideButton:" + QString::fromStdString(itemNamed("Cache Safari").path));
+    take("guide");
+}
+
+TEST_P(PictureTests, messagesAboveThePane) {
+    open(Pane::overview);
+    desktop.loginItem = std::unexpected("Operation not permitted");
+    model().setLoginItem(true);
+    model().revertRelocation({DevCache::npmCache});
+    take("messages");
 }
 
 TEST_P(PictureTests, theQuestionBeforeACleanup) {
