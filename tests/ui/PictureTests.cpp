@@ -177,9 +177,9 @@ TEST_P(PictureTests, theChoiceOfACategory) {
 TEST_P(PictureTests, whatToDoByHand) {
     open(Pane::cleanup);
     model().setFilter(ItemFilter::all);
-    model().setSearch("Safari");
+    model().setSearch("Runtime iOS");
     settle();
-    click("guideButton:" + QString::fromStdString(itemNamed("Cache Safari").path));
+    click("guideButton:" + QString::fromStdString(itemNamed("Runtime iOS 18.2").path));
     take("guide");
 }
 
