@@ -96,13 +96,14 @@ need() {
 }
 
 # build PRESET [TARGET…]: configures where that is needed and builds. Says nothing when there is nothing to do.
-# With KORVANTI_UNITY set, a folder configured anew compiles several sources as one.
+# With KORVANTI_UNITY set, a folder configured anew compiles several sources as one, and no more for a debugger than its
+# preset names itself.
 build() {
   local preset=$1 folder="$KORVANTI_ROOT/build/$1"
   shift
   if [ ! -f "$folder/build.ninja" ] || [ "$KORVANTI_ROOT/CMakePresets.json" -nt "$folder/build.ninja" ]; then
     say "Configuring $preset."
-    (cd "$KORVANTI_ROOT" && cmake --preset "$preset" ${KORVANTI_UNITY:+-DCMAKE_UNITY_BUILD=ON}) >&2
+    (cd "$KORVANTI_ROOT" && cmake --preset "$preset" ${KORVANTI_UNITY:+-DCMAKE_UNITY_BUILD=ON -DCMAKE_CXX_FLAGS_DEBUG=}) >&2
     touch "$folder/build.ninja"
   fi
   case $(ninja -C "$folder" -n "${@:-all}" 2>&1) in
