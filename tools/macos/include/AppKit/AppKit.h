@@ -15,6 +15,14 @@ extern "C" NSNotificationName const NSWorkspaceAccessibilityDisplayOptionsDidCha
 - (void)setTemplate:(BOOL)isTemplate;
 @end
 
+const NSBitmapImageFileType NSBitmapImageFileTypePNG = NSPNGFileType;
+const NSCompositingOperation NSCompositingOperationCopy = NSCompositeCopy;
+
+@interface NSRunningApplication : NSObject
++ (NSArray<NSRunningApplication*>*)runningApplicationsWithBundleIdentifier:(NSString*)bundleIdentifier;
+- (BOOL)terminate;
+@end
+
 @interface NSStatusItem (AppleDeclarations)
 @property(readonly, strong) NSStatusBarButton* button;
 @end
