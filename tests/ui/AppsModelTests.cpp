@@ -225,8 +225,8 @@ TEST_F(AppsModelTests, oddNamesAreOneLineOfText) {
     for (const std::string name : {"a\xff", "b\nc", "<b>d", "\u05e9\u05dc\u05d5\u05dd"})
         install(name, {.category = "public.app-category.games"});
     load();
-    EXPECT_THAT(names(), UnorderedElementsAre("a\uFFFD", ::testing::Not(::testing::HasSubstr("\n")),
-                                              "<b>d", "\u05e9\u05dc\u05d5\u05dd"));
+    EXPECT_THAT(names(), UnorderedElementsAre("a\uFFFD", ::testing::Not(::testing::HasSubstr("\n")), "<b>d",
+                                              "\u05e9\u05dc\u05d5\u05dd"));
 }
 
 // Removing

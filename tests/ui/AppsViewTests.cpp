@@ -561,6 +561,21 @@ TEST_F(AppsViewTests, allOfItGoesByKeysAlone) {
     settle(250);
     EXPECT_FALSE(model().pendingCleanup().has_value());
     ASSERT_TRUE(waitFor([&] { return !model().appsLoading(); }));
+    settle();
+    ASSERT_EQ(find(oldRow), nullptr);
+    EXPECT_TRUE(focusIsOn(gameRow)) << "keys go on beside where the row was";
+    press(Qt::Key_Up);
+    EXPECT_TRUE(focusIsOn(toolRow));
+}
+
+TEST_F(AppsViewTests, theKeysOfThePanesWaitForTheSheet) {
+    installSome();
+    open();
+    openSheet("Old");
+    press(Qt::Key_1, Qt::ControlModifier);
+    settle();
+    EXPECT_EQ(model().pane(), Pane::apps);
+    EXPECT_NE(find("uninstallButton"), nullptr);
 }
 
 TEST_F(AppsViewTests, returnConfirmsWhatIsOffered) {

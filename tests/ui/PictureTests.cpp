@@ -211,7 +211,6 @@ protected:
             layData("Library/Application Support/", app, app.dataBytes / 4);
             layData("Library/HTTPStorages/", app, app.dataBytes / 12);
         }
-        mac.applications.folder("Spotify.app/Contents/_MASReceipt");
     }
     void layData(const std::string& folder, const App& app, std::int64_t bytes) const {
         if (bytes == 0)
@@ -232,6 +231,7 @@ protected:
              {"Spotify", "com.spotify.client", "music", 338'000, 902'000, 62},
              {"Safe Exam Browser", "org.safeexambrowser.SafeExamBrowser", "education", 630'000, 0, 0},
              {"Safari", "com.apple.Safari", "productivity", 184'000, 0, 0}});
+        mac.applications.folder("Spotify.app/Contents/_MASReceipt");
     }
     void openPane(AppFilter filter) {
         open(Pane::apps);

@@ -18,11 +18,6 @@ extern "C" NSNotificationName const NSWorkspaceAccessibilityDisplayOptionsDidCha
 const NSBitmapImageFileType NSBitmapImageFileTypePNG = NSPNGFileType;
 const NSCompositingOperation NSCompositingOperationCopy = NSCompositeCopy;
 
-@interface NSRunningApplication : NSObject
-+ (NSArray<NSRunningApplication*>*)runningApplicationsWithBundleIdentifier:(NSString*)bundleIdentifier;
-- (BOOL)terminate;
-@end
-
 @interface NSStatusItem (AppleDeclarations)
 @property(readonly, strong) NSStatusBarButton* button;
 @end
