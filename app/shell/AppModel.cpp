@@ -574,6 +574,18 @@ void AppModel::reveal(const std::string& path) {
         desktop_->openFolder(std::string(folder));
 }
 
+bool AppModel::isRunning(const InstalledApp& app) const {
+    return app.bundleID && desktop_->isRunning(app);
+}
+
+void AppModel::askToEnd(const InstalledApp& app) {
+    desktop_->askToEnd(app);
+}
+
+std::string AppModel::icon(const std::string& bundle, int pixels) const {
+    return desktop_->icon(bundle, pixels);
+}
+
 void AppModel::endSoon() {
     *shouldStop_ = true;
     change(isEnding_, true, &AppModel::isEndingChanged);

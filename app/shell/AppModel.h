@@ -127,6 +127,11 @@ public:
     void setLoginItem(bool enabled);
     void openFullDiskAccessSettings();
     void reveal(const std::string& path); ///< its folder, where it is gone
+    /// What can be asked about by its identifier, so never one without; asks the system.
+    [[nodiscard]] bool isRunning(const InstalledApp& app) const;
+    void askToEnd(const InstalledApp& app);
+    /// A PNG file; empty where the system has none.
+    [[nodiscard]] std::string icon(const std::string& bundle, int pixels) const;
 
     /// A cleanup or a move is under way: cut off, the log and the report would not tell what was done. All
     /// else only reads and may be left in the middle.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "analysis/InstalledApp.h"
+
 #include <expected>
 #include <functional>
 #include <memory>
@@ -33,6 +35,13 @@ public:
     /// Shows something that exists in the file manager.
     virtual void reveal(const std::string& path) = 0;
     virtual void openFolder(const std::string& path) = 0;
+    /// The user has that application open.
+    [[nodiscard]] virtual bool isRunning(const InstalledApp& app) const = 0;
+    /// Asks an open application to end, and does not wait for it: it may have something to save, and may
+    /// stay.
+    virtual void askToEnd(const InstalledApp& app) = 0;
+    /// The icon of a bundle as a PNG file of that many pixels a side; empty where the system has none.
+    [[nodiscard]] virtual std::string icon(const std::string& bundle, int pixels) const = 0;
 };
 
 /// That of this system, for the user whose home folder is given.

@@ -8,8 +8,10 @@ Flickable {
     id: root
 
     default property alias blocks: column.data
-    property real margin: 24 ///< at both sides and below
+    property real margin: 24 ///< at both sides
     property real topGap: 6
+    property real bottomGap: root.margin
+    property real surrounding: root.margin ///< what comes into sight around what has the focus
     property real spacing: 18
     readonly property Item focusedItem: root.Window.activeFocusItem
 
@@ -27,16 +29,16 @@ Flickable {
         const top = item.mapToItem(root.contentItem, 0, 0).y;
         const bottom = top + item.height;
         if (top < root.contentY + root.topGap)
-            root.scrollTo(top - root.margin);
+            root.scrollTo(top - root.surrounding);
         else if (bottom > root.contentY + root.height - root.topGap)
-            root.scrollTo(bottom + root.margin - root.height);
+            root.scrollTo(bottom + root.surrounding - root.height);
     }
 
     clip: true
     interactive: false
     boundsBehavior: Flickable.StopAtBounds
     contentWidth: root.width
-    contentHeight: root.topGap + column.height + root.margin
+    contentHeight: root.topGap + column.height + root.bottomGap
     onHeightChanged: root.scrollTo(root.contentY)
     onContentHeightChanged: root.scrollTo(root.contentY)
     onFocusedItemChanged: {
@@ -59,6 +61,7 @@ Flickable {
     ScrollBar.vertical: SlimScrollBar { }
 
     WheelHandler {
+        enabled: root.contentHeight > root.height // or else it is for what this lies in
         acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
         onWheel: event => {
             const pixels = event.pixelDelta.y !== 0 ? event.pixelDelta.y : event.angleDelta.y / 2;

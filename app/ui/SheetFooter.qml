@@ -8,7 +8,10 @@ Item {
     default property alias buttons: ending.data
     property alias leading: beginning.data
 
-    implicitHeight: Math.max(72, ending.implicitHeight + 40)
+    /// Without room for all in one line, those at the beginning stand below.
+    readonly property bool breaks: beginning.width > 0 && 28 + beginning.width + 10 + ending.width + 28 > width
+
+    implicitHeight: breaks ? ending.height + 10 + beginning.height + 40 : Math.max(72, ending.implicitHeight + 40)
 
     Rectangle {
         width: parent.width
@@ -17,15 +20,15 @@ Item {
     }
     Row {
         id: beginning
-        x: 28
-        anchors.verticalCenter: parent.verticalCenter
+        x: root.breaks ? root.width - 28 - width : 28
+        y: root.breaks ? root.height - 20 - height : Math.round((root.height - height) / 2)
         spacing: 10
     }
     Row {
         id: ending
         anchors.right: parent.right
         anchors.rightMargin: 28
-        anchors.verticalCenter: parent.verticalCenter
+        y: root.breaks ? 20 : Math.round((root.height - height) / 2)
         spacing: 10
     }
 }

@@ -1,5 +1,6 @@
 #include "window/KorvantiApp.h"
 
+#include "ui/AppIconProvider.h"
 #include "ui/SymbolProvider.h"
 #include "ui/Ui.h"
 
@@ -67,6 +68,7 @@ QPoint panelPosition(const std::optional<QRect>& item, QSize panel, const QRect&
 KorvantiApp::KorvantiApp(std::unique_ptr<Desktop> desktop, const MakeItem& makeItem)
     : model_(std::move(desktop)), item_(makeItem([this] { togglePanel(); })) {
     prepareForUi(engine_);
+    engine_.addImageProvider("app", new AppIconProvider(model_)); // the engine's from now on
     connect(&panes_.frame, &FrameModel::windowRequested, this, &KorvantiApp::showWindow);
     connect(&panes_.frame, &FrameModel::settingsRequested, this, &KorvantiApp::showSettings);
     connect(&panes_.frame, &FrameModel::quitRequested, this, &KorvantiApp::finished);

@@ -1,5 +1,6 @@
 #include "shell/Desktop.h"
 
+#include "BundleProcess.h"
 #include "ShellSupport.h"
 #include "fs/PathTools.h"
 #include "shell/linux/LoginEntry.h"
@@ -14,6 +15,7 @@
 #include <QDesktopServices>
 #include <QUrl>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -86,6 +88,72 @@ TEST_F(RecyclingTests, aDesktopThatIsGoneAnswersNobody) {
     desktop.reset();
     spinFor(std::chrono::milliseconds(50));
     EXPECT_FALSE(answered);
+}
+
+// Applications that are open
+
+class OpenApplicationTests : public LinuxDesktopTests {
+protected:
+    [[nodiscard]] static InstalledApp app(const std::string& path) {
+        InstalledApp app;
+        app.path = path;
+        return app;
+    }
+    static constexpr auto program = "/Applications/Tool.app/Contents/MacOS/tool";
+};
+
+TEST_F(OpenApplicationTests, oneWhoseProgramRunsIsOpen) {
+    mac.installApplication("Tool", "org.example.tool");
+    EXPECT_FALSE(desktop->isRunning(app("/Applications/Tool.app")));
+    BundleProcess process(program);
+    EXPECT_TRUE(desktop->isRunning(app("/Applications/Tool.app")));
+    EXPECT_FALSE(process.signalThatEndedIt().has_value()) << "looking does nothing to it";
+}
+
+TEST_F(OpenApplicationTests, itIsAskedToEnd) {
+    BundleProcess process(program);
+    desktop->askToEnd(app("/Applications/Tool.app"));
+    ASSERT_TRUE(waitFor([&] { return process.signalThatEndedIt().has_value(); }));
+    EXPECT_EQ(process.signalThatEndedIt(), SIGTERM);
+    EXPECT_FALSE(desktop->isRunning(app("/Applications/Tool.app")));
+}
+
+TEST_F(OpenApplicationTests, onlyTheFirstOfItsProcessesIsAskedToEnd) {
+    BundleProcess first(program);
+    BundleProcess second("/Applications/Tool.app/Contents/Helpers/helper");
+    desktop->askToEnd(app("/Applications/Tool.app"));
+    ASSERT_TRUE(waitFor([&] { return first.signalThatEndedIt() || second.signalThatEndedIt(); }));
+    spinFor(std::chrono::milliseconds(50));
+    EXPECT_NE(first.signalThatEndedIt().has_value(), second.signalThatEndedIt().has_value());
+}
+
+TEST_F(OpenApplicationTests, whatRunsElsewhereIsLeftAlone) {
+    BundleProcess beside("/Applications/Tool.app.copy/tool");
+    BundleProcess longer("/Applications/Tool.application/tool");
+    mac.installApplication("Tool", "org.example.tool");
+    std::filesystem::create_symlink("/Applications/Tool.app.copy/tool", "/Applications/Tool.app/tool");
+    for (const auto* path : {"/Applications/Tool.app", "/Applications", "/", "", ".", "Tool.app",
+                             "/Applications/Tool.app.copy", "/Applications/None.app", "/proc"}) {
+        EXPECT_FALSE(desktop->isRunning(app(path))) << path;
+        desktop->askToEnd(app(path));
+    }
+    spinFor(std::chrono::milliseconds(50));
+    EXPECT_FALSE(beside.signalThatEndedIt().has_value());
+    EXPECT_FALSE(longer.signalThatEndedIt().has_value());
+}
+
+TEST_F(OpenApplicationTests, aBundleIsKnownByItsBytesAndThroughLinks) {
+    const std::string odd = "/Applications/odd\xff\n .app";
+    BundleProcess process(odd + "/Contents/MacOS/odd");
+    EXPECT_TRUE(desktop->isRunning(app(odd)));
+    EXPECT_FALSE(desktop->isRunning(app("/Applications/odd\xef\xbf\xbd\n .app")));
+    std::filesystem::create_directory_symlink("/Applications", mac.home.path("linked"));
+    EXPECT_TRUE(desktop->isRunning(app(mac.home.path("linked/odd\xff\n .app"))));
+}
+
+TEST_F(OpenApplicationTests, thereAreNoIcons) {
+    mac.installApplication("Tool", "org.example.tool");
+    EXPECT_EQ(desktop->icon("/Applications/Tool.app", 28), "");
 }
 
 // Starting with the session

@@ -11,6 +11,9 @@
 #include <deque>
 #include <filesystem>
 #include <functional>
+#include <map>
+#include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -60,6 +63,10 @@ public:
         std::vector<std::string> opened;
         std::vector<bool> loginItems;
         int settingsOpened = 0;
+        std::shared_ptr<Desktop> system; ///< if any, it is asked what is open
+        std::set<std::string> running;   ///< bundles that are open otherwise
+        std::vector<std::string> askedToEnd;
+        std::map<std::string, std::string> icons; ///< by bundle
         std::function<void()> mountsChanged;
     };
 
@@ -88,6 +95,18 @@ public:
     void openFullDiskAccessSettings() override { ++script_.settingsOpened; }
     void reveal(const std::string& path) override { script_.revealed.push_back(path); }
     void openFolder(const std::string& path) override { script_.opened.push_back(path); }
+    [[nodiscard]] bool isRunning(const InstalledApp& app) const override {
+        return script_.system ? script_.system->isRunning(app) : script_.running.contains(app.path);
+    }
+    void askToEnd(const InstalledApp& app) override {
+        script_.askedToEnd.push_back(app.path);
+        if (script_.system)
+            script_.system->askToEnd(app);
+    }
+    [[nodiscard]] std::string icon(const std::string& bundle, int /*pixels*/) const override {
+        const auto found = script_.icons.find(bundle);
+        return found == script_.icons.end() ? std::string() : found->second;
+    }
 
 private:
     Script& script_;

@@ -2,6 +2,7 @@
 
 #include "base/Json.h"
 #include "scan/ReportJson.h"
+#include "ui/AppIconProvider.h"
 #include "ui/Ui.h"
 
 #include <QColor>
@@ -81,8 +82,10 @@ UiTests::~UiTests() {
 }
 
 AppModel& UiTests::model() {
-    if (!model_)
+    if (!model_) {
         model_ = std::make_unique<AppModel>(std::make_unique<ScriptedDesktop>(desktop));
+        engine_->addImageProvider("app", new AppIconProvider(*model_));
+    }
     return *model_;
 }
 

@@ -17,10 +17,23 @@
 #include <QObject>
 #include <QSocketNotifier>
 #include <QUrl>
+#include <algorithm>
+#include <charconv>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <optional>
+#include <string_view>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <unistd.h>
 #include <utility>
 #include <variant>
+#include <vector>
+
+extern "C" { // which the header leaves out
+#include <sys/pidfd.h>
+}
 
 namespace korvanti {
 namespace {
@@ -40,6 +53,37 @@ std::string loginEntryFile(const std::string& home) {
 Desktop::Result resultOf(const std::expected<void, std::error_code>& done, const std::string& path) {
     if (!done)
         return std::unexpected(FileError{.path = path, .code = done.error(), .systemText = {}}.description());
+    return {};
+}
+
+/// The user's own processes, those begun first in front as a rule. The system's first one is never among
+/// them.
+std::vector<pid_t> ownProcesses() {
+    std::vector<pid_t> processes;
+    for (const auto& [name, kind] : PathTools::entries("/proc")) {
+        pid_t process = 0;
+        const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
+        struct stat facts {};
+        if (error == std::errc() && end == name.data() + name.size() && process > 1 &&
+            ::lstat(("/proc/" + name).c_str(), &facts) == 0 && facts.st_uid == ::getuid())
+            processes.push_back(process);
+    }
+    std::ranges::sort(processes);
+    return processes;
+}
+
+/// A process of the user whose program lies inside of a bundle. It is held: by its number alone it might be
+/// taken for another one that has come after it.
+FileDescriptor processInside(const std::string& bundle) {
+    const auto place = PathTools::realPath(bundle);
+    if (!place || PathTools::pathExtension(*place) != "app")
+        return {};
+    for (const auto process : ownProcesses()) {
+        FileDescriptor held(::pidfd_open(process, 0));
+        const auto program = PathTools::linkTarget("/proc/" + std::to_string(process) + "/exe");
+        if (held && program && program->starts_with(*place + "/"))
+            return held;
+    }
     return {};
 }
 
@@ -99,6 +143,20 @@ public:
     }
 
     void openFolder(const std::string& path) override { QDesktopServices::openUrl(urlOf(path)); }
+
+    [[nodiscard]] bool isRunning(const InstalledApp& app) const override {
+        return static_cast<bool>(processInside(app.path));
+    }
+
+    void askToEnd(const InstalledApp& app) override {
+        if (const auto process = processInside(app.path))
+            ::pidfd_send_signal(process.get(), SIGTERM, nullptr, 0);
+    }
+
+    /// A bundle's own picture is in a form that only a Mac reads.
+    [[nodiscard]] std::string icon(const std::string& /*bundle*/, int /*pixels*/) const override {
+        return {};
+    }
 
 private:
     [[nodiscard]] Result trashed(const std::string& path) const {

@@ -26,6 +26,37 @@ Desktop::Result resultOf(BOOL done, NSError* error) {
     return std::unexpected(std::string(text ? text : ""));
 }
 
+NSRunningApplication* firstRunning(const InstalledApp& app) {
+    NSString* identifier = app.bundleID ? [NSString stringWithUTF8String:app.bundleID->c_str()] : nil;
+    return identifier ? [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier].firstObject
+                      : nil;
+}
+
+/// The picture as a file of that many pixels a side.
+NSData* pngOf(NSImage* picture, int pixels) {
+    NSBitmapImageRep* canvas = [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
+                                                                       pixelsWide:pixels
+                                                                       pixelsHigh:pixels
+                                                                    bitsPerSample:8
+                                                                  samplesPerPixel:4
+                                                                         hasAlpha:YES
+                                                                         isPlanar:NO
+                                                                   colorSpaceName:NSDeviceRGBColorSpace
+                                                                      bytesPerRow:0
+                                                                     bitsPerPixel:0];
+    NSGraphicsContext* context = canvas ? [NSGraphicsContext graphicsContextWithBitmapImageRep:canvas] : nil;
+    if (!context)
+        return nil;
+    [NSGraphicsContext saveGraphicsState];
+    NSGraphicsContext.currentContext = context;
+    [picture drawInRect:NSMakeRect(0, 0, pixels, pixels)
+               fromRect:NSZeroRect
+              operation:NSCompositingOperationCopy
+               fraction:1];
+    [NSGraphicsContext restoreGraphicsState];
+    return [canvas representationUsingType:NSBitmapImageFileTypePNG properties:@{}];
+}
+
 class MacDesktop : public Desktop {
 public:
     ~MacDesktop() override {
@@ -89,6 +120,16 @@ public:
     void openFolder(const std::string& path) override {
         if (NSURL* url = urlOf(path))
             [NSWorkspace.sharedWorkspace openURL:url];
+    }
+
+    [[nodiscard]] bool isRunning(const InstalledApp& app) const override { return firstRunning(app) != nil; }
+
+    void askToEnd(const InstalledApp& app) override { [firstRunning(app) terminate]; }
+
+    [[nodiscard]] std::string icon(const std::string& bundle, int pixels) const override {
+        NSString* path = urlOf(bundle).path;
+        NSData* picture = path ? pngOf([NSWorkspace.sharedWorkspace iconForFile:path], pixels) : nil;
+        return picture ? std::string(static_cast<const char*>(picture.bytes), picture.length) : std::string();
     }
 
 private:

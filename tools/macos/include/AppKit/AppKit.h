@@ -15,6 +15,9 @@ extern "C" NSNotificationName const NSWorkspaceAccessibilityDisplayOptionsDidCha
 - (void)setTemplate:(BOOL)isTemplate;
 @end
 
+const NSBitmapImageFileType NSBitmapImageFileTypePNG = NSPNGFileType;
+const NSCompositingOperation NSCompositingOperationCopy = NSCompositeCopy;
+
 @interface NSStatusItem (AppleDeclarations)
 @property(readonly, strong) NSStatusBarButton* button;
 @end
