@@ -2,12 +2,14 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Korvanti.Ui
 
-/// A quiet button, with a symbol in front if it has one. While `busy` a spinner stands in place of its words.
+/// A quiet button, with a symbol in front if it has one. While `busy` a spinner stands in place of its words. Where
+/// it is narrower than its words, they end in dots.
 AbstractButton {
     id: root
 
     property string symbol: ""
     property string hint: ""
+    property bool opensMenu: false
     property bool busy: false
     property real size: 28 ///< height
 
@@ -16,7 +18,7 @@ AbstractButton {
     leftPadding: Brand.scaled(12)
     rightPadding: Brand.scaled(12)
     focusPolicy: Qt.StrongFocus
-    Accessible.role: Accessible.Button
+    Accessible.role: root.opensMenu ? Accessible.ButtonMenu : Accessible.Button
     Accessible.name: root.text
     Accessible.description: root.hint
     Accessible.onPressAction: root.clicked()
@@ -41,10 +43,19 @@ AbstractButton {
             BrandText {
                 id: label
                 anchors.verticalCenter: parent.verticalCenter
+                width: Math.min(implicitWidth, Math.max(0, root.availableWidth - x))
                 text: root.text
                 style: BrandText.CalloutMedium
                 color: root.enabled ? Brand.text : Brand.text3
+                elide: Text.ElideRight
                 Accessible.ignored: true
+            }
+            Symbol {
+                visible: root.opensMenu
+                anchors.verticalCenter: parent.verticalCenter
+                name: "chevron.down"
+                size: 10
+                color: label.color
             }
         }
         Spinner {
