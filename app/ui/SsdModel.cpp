@@ -141,14 +141,16 @@ RowList::Row SsdModel::volumeRow(const VolumeInfo& volume, RowList* advice) cons
             {"total", static_cast<double>(volume.total)},
             {"isAlmostFull", isAlmostFull(volume)},
             {"advice", QVariant::fromValue(advice)},
-            {"speedText", result == model_.speedResults().end()
-                              ? QString()
-                              : screenText("Tulis " + wholeText(result->second.writeMBps) +
-                                           " MB/s · Baca " + wholeText(result->second.readMBps) + " MB/s")},
+            {"speedText", result == model_.speedResults().end() ? QString() : speedText(result->second)},
             {"workText", isWorkVolume ? "SSD kerja ✓" : "Jadikan SSD kerja"},
             {"canBecomeWorkVolume", volume.uuid && !isWorkVolume},
             {"testText", testing == key ? "Menguji…" : "Uji kecepatan (1 GB)"},
             {"canTest", !testing.has_value()}};
+}
+
+QString SsdModel::speedText(const VolumeService::SpeedResult& result) {
+    return screenText("Tulis " + wholeText(result.writeMBps) + " MB/s · Baca " + wholeText(result.readMBps) +
+                      " MB/s");
 }
 
 const VolumeInfo* SsdModel::volumeAt(int row) const {

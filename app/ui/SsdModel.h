@@ -56,6 +56,7 @@ public:
 
     [[nodiscard]] RowList* volumes() { return &volumes_; }
     [[nodiscard]] bool hasVolumes() const { return !volumes_.rows().isEmpty(); }
+    [[nodiscard]] static QString speedText(const VolumeService::SpeedResult& result);
 
     [[nodiscard]] RowList* caches() { return &caches_; }
     [[nodiscard]] bool hasWorkVolume() const { return model_.workVolume().has_value(); }
