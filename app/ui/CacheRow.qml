@@ -47,9 +47,7 @@ Item {
             text: root.detail
             wrapMode: Text.Wrap
         }
-        Item { width: 1; height: 2; visible: target.visible }
         SymbolText {
-            id: target
             objectName: "cacheTarget"
             width: parent.width
             visible: root.targetText !== ""

@@ -39,7 +39,7 @@ Card {
             model: root.model.moved
             // The keyboard goes on from where the record was.
             onItemRemoved: (index, item) => {
-                if (item.activeFocus)
+                if (item.focus)
                     Qt.callLater(root.focusNear, index);
             }
 

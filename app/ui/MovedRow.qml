@@ -16,8 +16,9 @@ FocusScope {
 
     signal menuRequested(Item button)
 
+    /// Within its pane: what the keyboard is at elsewhere stays.
     function takeFocus(): void {
-        actions.forceActiveFocus(Qt.OtherFocusReason);
+        root.focus = true;
     }
 
     readonly property real endRoom: status.implicitWidth + 20 + actions.width

@@ -18,7 +18,7 @@ AbstractButton {
     leftPadding: Brand.scaled(12)
     rightPadding: Brand.scaled(12)
     focusPolicy: Qt.StrongFocus
-    Accessible.role: root.opensMenu ? Accessible.ButtonMenu : Accessible.Button
+    Accessible.role: Accessible.Button
     Accessible.name: root.text
     Accessible.description: root.hint
     Accessible.onPressAction: root.clicked()
@@ -26,7 +26,10 @@ AbstractButton {
     Keys.onEnterPressed: root.clicked()
 
     contentItem: Item {
-        implicitWidth: words.implicitWidth
+        id: content
+        readonly property real aroundLabel: (mark.visible ? mark.width + words.spacing : 0)
+                                            + (caret.visible ? caret.width + words.spacing : 0)
+        implicitWidth: aroundLabel + label.implicitWidth
         implicitHeight: words.implicitHeight
         Row {
             id: words
@@ -34,6 +37,7 @@ AbstractButton {
             spacing: Brand.scaled(6)
             opacity: root.busy ? 0 : root.enabled ? 1 : 0.75
             Symbol {
+                id: mark
                 visible: root.symbol !== ""
                 anchors.verticalCenter: parent.verticalCenter
                 name: root.symbol
@@ -43,7 +47,7 @@ AbstractButton {
             BrandText {
                 id: label
                 anchors.verticalCenter: parent.verticalCenter
-                width: Math.min(implicitWidth, Math.max(0, root.availableWidth - x))
+                width: Math.min(implicitWidth, Math.max(0, content.width - content.aroundLabel))
                 text: root.text
                 style: BrandText.CalloutMedium
                 color: root.enabled ? Brand.text : Brand.text3
@@ -51,6 +55,7 @@ AbstractButton {
                 Accessible.ignored: true
             }
             Symbol {
+                id: caret
                 visible: root.opensMenu
                 anchors.verticalCenter: parent.verticalCenter
                 name: "chevron.down"
@@ -66,7 +71,7 @@ AbstractButton {
     }
     background: Rectangle {
         radius: Brand.scaled(7)
-        color: !root.enabled && !root.busy ? "transparent"
+        color: !root.enabled && !root.busy ? Brand.translucent(Brand.control, 0)
              : root.down ? Brand.controlPressed : root.hovered ? Brand.controlHover : Brand.control
         border.width: 1
         border.color: root.enabled || root.busy ? Brand.controlBorder : Brand.cardBorder

@@ -22,8 +22,8 @@ public:
 
     [[nodiscard]] const QList<Row>& rows() const { return rows_; }
     void setRows(const QList<Row>& rows);
-    /// Rows that stand for somebody, whose name they hold under `key`: each keeps its item wherever it goes, and
-    /// takes it along when it is gone, so that a click never meets the one behind it.
+    /// Rows that stand for somebody, whose name they hold under `key`: each keeps its item wherever it goes,
+    /// and takes it along when it is gone, so that a click never meets the one behind it.
     void setRows(const QList<Row>& rows, const QString& key);
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

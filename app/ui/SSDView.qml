@@ -97,6 +97,12 @@ FocusScope {
     ContextMenu {
         id: menu
         objectName: "movedMenu"
+        // Where it was opened may be gone; the keyboard goes on in the pane.
+        onClosed: {
+            const focused = root.Window.activeFocusItem;
+            if (!focused || focused === root.Window.contentItem)
+                root.forceActiveFocus(Qt.PopupFocusReason);
+        }
 
         ContextMenuEntry {
             objectName: "revealMovedEntry"

@@ -135,8 +135,8 @@ RowList::Row SsdModel::volumeRow(const VolumeInfo& volume, RowList* advice) cons
             {"name", screenText(volume.name)},
             {"isWorkVolume", isWorkVolume},
             {"freeText", sizeText(volume.free) + " kosong dari " + sizeText(volume.total)},
-            {"formatText", screenText(volume.formatName + " · " +
-                                      volume.busProtocol.value_or("koneksi tidak diketahui"))},
+            {"formatText",
+             screenText(volume.formatName + " · " + volume.busProtocol.value_or("koneksi tidak diketahui"))},
             {"used", static_cast<double>(volume.total) - static_cast<double>(volume.free)},
             {"total", static_cast<double>(volume.total)},
             {"isAlmostFull", isAlmostFull(volume)},
@@ -261,14 +261,14 @@ void SsdModel::readMoved() {
 
 RowList::Row SsdModel::movedRow(const OffloadRecord& record) const {
     const auto status = model_.offloadStatus(record);
-    return {{keyRole, keyOf(record.id.text())},
-            {"title", screenText(record.title)},
-            {"path", screenText(PathTools::abbreviatingHome(record.originalPath))},
-            {"sizeLine",
-             sizeText(record.bytes) + " · " + screenText(Formatters::relative(record.date, now_()))},
-            {"statusText", screenText(label(status))},
-            {"statusSymbol", symbol(status)},
-            {"isAvailable", status == OffloadStatus::available}};
+    return {
+        {keyRole, keyOf(record.id.text())},
+        {"title", screenText(record.title)},
+        {"path", screenText(PathTools::abbreviatingHome(record.originalPath))},
+        {"sizeLine", sizeText(record.bytes) + " · " + screenText(Formatters::relative(record.date, now_()))},
+        {"statusText", screenText(label(status))},
+        {"statusSymbol", symbol(status)},
+        {"isAvailable", status == OffloadStatus::available}};
 }
 
 const OffloadRecord* SsdModel::menuRecord() const {

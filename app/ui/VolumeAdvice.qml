@@ -46,16 +46,21 @@ Item {
         }
         Item {
             width: parent.width
-            height: ground.height + 2
+            height: ground.height + 1
             visible: root.command !== ""
 
             Rectangle {
                 id: ground
-                y: 2
-                width: Math.min(commandText.implicitWidth + 2 * Brand.scaled(8), parent.width - copy.width - 12)
-                height: commandText.height + Brand.scaled(6)
+                y: 1
+                width: Math.min(Math.ceil(natural.advanceWidth) + 1 + 2 * Brand.scaled(8), parent.width - copy.width - 12)
+                height: commandText.height + Brand.scaled(7)
                 radius: 6
                 color: Brand.segmentedTrack
+                TextMetrics {
+                    id: natural
+                    font: commandText.font
+                    text: root.command
+                }
                 BrandText {
                     id: commandText
                     objectName: "command"

@@ -109,7 +109,7 @@ Card {
             id: free
             objectName: "free"
             x: head.isNarrow ? words.x : parent.width - width
-            y: head.isNarrow ? words.height - height : Math.round((nameText.height - height) / 2)
+            y: head.isNarrow ? words.height - height : Math.floor((nameText.height - height) / 2)
             width: Math.min(implicitWidth, words.width)
             style: BrandText.BodyMedium
             text: root.freeText

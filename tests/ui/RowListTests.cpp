@@ -47,7 +47,9 @@ TEST_F(RowListTests, onlyRowsThatAreDifferentAreTold) {
 // Rows that stand for somebody
 
 TEST_F(RowListTests, aRowThatStandsForSomebodyKeepsItsPlaceAmongTheOthers) {
-    const auto named = [](const QString& name, int age) { return RowList::Row{{"name", name}, {"age", age}}; };
+    const auto named = [](const QString& name, int age) {
+        return RowList::Row{{"name", name}, {"age", age}};
+    };
     list.setRows({named("a", 1), named("b", 1), named("c", 1)}, "name");
     const QPersistentModelIndex a = list.index(0);
     const QPersistentModelIndex b = list.index(1);

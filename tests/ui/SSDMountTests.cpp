@@ -185,6 +185,11 @@ TEST_F(SSDMountTests, theSpeedOfADriveIsToldWhenItsTestIsOver) {
     EXPECT_THAT(textIn("volume1", "speed").toStdString(),
                 ::testing::MatchesRegex("Tulis [0-9]+ MB/s · Baca [0-9]+ MB/s"));
     EXPECT_EQ(findIn("volume0", "speed"), nullptr);
+    const auto buttons = placeOf(itemIn("volume1", "ejectButton"));
+    const auto speed = placeOf(itemIn("volume1", "speed"));
+    EXPECT_EQ(speed.center().y(), buttons.center().y());
+    EXPECT_EQ(speed.right(), placeOf(itemIn("volume1", "capacity")).right());
+    grab("ssd-speed.png");
 }
 
 TEST_F(SSDMountTests, aDriveThatIsPulledOutWhileItsButtonIsHeldTakesTheClickAlong) {

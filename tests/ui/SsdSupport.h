@@ -8,10 +8,11 @@
 #include "support/Mount.h"
 
 #include <QTest>
+#include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <fmt/format.h>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
@@ -25,11 +26,10 @@
 
 namespace korvanti::testing {
 
-/// Drives that come and go, as real mounts, and what was moved to them. In the box as root.
-class SsdFixture : public UiTests {
-protected:
-    SsdFixture() { std::filesystem::remove("/box/ditto"); }
-    ~SsdFixture() override { std::filesystem::remove("/box/ditto"); }
+/// Drives that come and go, as real mounts. In the box as root.
+class BoxDrives {
+public:
+    explicit BoxDrives(const BoxMac& mac) : mac_(mac) {}
 
     struct Drive {
         std::optional<std::string> uuid;
@@ -39,30 +39,77 @@ protected:
     };
     /// From now on until `unplug`. Gives where it is mounted.
     std::string plug(const std::string& name, const Drive& drive) {
-        auto path = volumes.folder(name);
-        plugged.emplace(name, std::make_unique<Mount>(path, 2'000'000'000));
+        auto path = volumes_.folder(name);
+        plugged_.emplace(name, std::make_unique<Mount>(path, 2'000'000'000));
         struct stat facts {};
         EXPECT_EQ(::stat(path.c_str(), &facts), 0);
         if (drive.uuid)
-            database.file(fmt::format("b{}:{}", major(facts.st_dev), minor(facts.st_dev)),
-                          {.text = "E:ID_FS_LABEL_ENC=" + name + "\nE:ID_FS_UUID=" + *drive.uuid + "\n"});
-        mac.answer("diskutil info -plist " + path,
-                   "<plist version=\"1.0\"><dict><key>FilesystemType</key><string>" + drive.fsType +
-                       "</string><key>FilesystemUserVisibleName</key><string>" + drive.formatName +
-                       "</string>" + drive.facts + "</dict></plist>");
+            database_.file(fmt::format("b{}:{}", major(facts.st_dev), minor(facts.st_dev)),
+                           {.text = "E:ID_FS_LABEL_ENC=" + name + "\nE:ID_FS_UUID=" + *drive.uuid + "\n"});
+        mac_.answer("diskutil info -plist " + path,
+                    "<plist version=\"1.0\"><dict><key>FilesystemType</key><string>" + drive.fsType +
+                        "</string><key>FilesystemUserVisibleName</key><string>" + drive.formatName +
+                        "</string>" + drive.facts + "</dict></plist>");
         return path;
     }
     /// The mount and its folder go, as they do on a Mac.
     void unplug(const std::string& name) {
-        plugged.erase(name);
-        std::filesystem::remove(volumes.path(name));
+        plugged_.erase(name);
+        std::filesystem::remove(volumes_.path(name));
     }
+
+private:
+    const BoxMac& mac_;
+    BoxFolder volumes_{"/Volumes"};
+    BoxFolder database_{"/run/udev/data"};
+    std::map<std::string, std::unique_ptr<Mount>> plugged_;
+};
+
+/// Something that was moved to a drive three days ago.
+inline OffloadRecord movedRecord(const std::string& title, const std::string& destination) {
+    OffloadRecord made;
+    made.title = title;
+    made.originalPath = "/Users/tester/things/" + title;
+    made.destinationPath = destination;
+    made.volumeName = "Kerja";
+    made.bytes = 9'640'000'000;
+    made.date = currentInstant() - std::chrono::hours(72);
+    made.symlinked = true;
+    return made;
+}
+
+/// What the model finds at its start.
+inline void saveRecords(const BoxMac& mac, const std::vector<OffloadRecord>& records) {
+    mac.home.folder("Library/Application Support/Korvanti");
+    OffloadRecords::write(AppPaths::offloads(), records);
+}
+
+/// The pane over drives, and over what was moved to them.
+class SsdFixture : public UiTests {
+protected:
+    SsdFixture() { std::filesystem::remove("/box/ditto"); }
+    ~SsdFixture() override { std::filesystem::remove("/box/ditto"); }
+
+    std::string plug(const std::string& name, const BoxDrives::Drive& drive) {
+        return drives.plug(name, drive);
+    }
+    void unplug(const std::string& name) { drives.unplug(name); }
+    static OffloadRecord record(const std::string& title, const std::string& destination) {
+        return movedRecord(title, destination);
+    }
+    void saveRecords(const std::vector<OffloadRecord>& records) const { testing::saveRecords(mac, records); }
     /// Has the model look again, until it sees so many.
     [[nodiscard]] bool sees(std::size_t count) {
         model().refreshVolumes();
-        const bool seen = waitFor([&] { return model().volumes().size() == count; });
-        spinFor(std::chrono::milliseconds(30)); // the answer that was asked for last
-        return seen;
+        return waitFor([&] { return model().volumes().size() == count; });
+    }
+    /// The same for one volume of that size.
+    [[nodiscard]] bool seesSize(std::int64_t free, std::int64_t total) {
+        model().refreshVolumes();
+        return waitFor([&] {
+            return model().volumes().size() == 1 && model().volumes()[0].free == free &&
+                   model().volumes()[0].total == total;
+        });
     }
     void chooseWorkVolume(const std::string& uuid) {
         auto settings = model().settings();
@@ -71,23 +118,6 @@ protected:
     }
     [[nodiscard]] bool isIdle() {
         return waitFor([&] { return !model().busyMessage().has_value(); });
-    }
-
-    static OffloadRecord record(const std::string& title, const std::string& destination) {
-        OffloadRecord made;
-        made.title = title;
-        made.originalPath = "/Users/tester/things/" + title;
-        made.destinationPath = destination;
-        made.volumeName = "Kerja";
-        made.bytes = 9'640'000'000;
-        made.date = currentInstant() - std::chrono::hours(72);
-        made.symlinked = true;
-        return made;
-    }
-    /// What the model finds at its start.
-    void saveRecords(const std::vector<OffloadRecord>& records) const {
-        mac.home.folder("Library/Application Support/Korvanti");
-        OffloadRecords::write(AppPaths::offloads(), records);
     }
 
     /// The pane in the window.
@@ -132,9 +162,7 @@ protected:
     bool isEnabledIn(const QString& above, const QString& name) { return itemIn(above, name).isEnabled(); }
 
     const ScopedVariable language{"LC_ALL", "id_ID.UTF-8"};
-    const BoxFolder volumes{"/Volumes"};
-    const BoxFolder database{"/run/udev/data"};
-    std::map<std::string, std::unique_ptr<Mount>> plugged;
+    BoxDrives drives{mac};
 
 private:
     static QQuickItem* findBelow(QQuickItem* above, const QString& name) {
