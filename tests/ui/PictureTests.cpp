@@ -1,4 +1,5 @@
 #include "SampleReport.h"
+#include "SsdSupport.h"
 #include "UiSupport.h"
 #include "base/Json.h"
 #include "scan/ReportJson.h"
@@ -314,6 +315,71 @@ TEST_P(AppPictureTests, oneThatIsToGo) {
 }
 
 /// How each suite is looked at.
+/// The pane of the drives, on a Mac that some are plugged into.
+class DrivePictureTests : public PictureTests {
+protected:
+    DrivePictureTests() { layReport(); }
+
+    void open(std::size_t count) {
+        model().setPane(Pane::ssd);
+        openUnscanned();
+        space.emplace(612'400'000'000, 1'000'000'000'000);
+        model().refreshVolumes();
+        ASSERT_TRUE(waitFor([&] { return model().volumes().size() == count; }));
+        settle();
+    }
+    void scrollTo(double y) { item("ssdScroll").setProperty("contentY", y); }
+
+    BoxDrives drives{mac};
+    const BoxDrives::Drive forWork{
+        .uuid = "aa-1",
+        .facts = "<key>BusProtocol</key><string>USB</string><key>GlobalPermissionsEnabled</key><false/>"};
+    const BoxDrives::Drive forPhotos{.uuid = "aa-2", .fsType = "exfat", .formatName = "ExFAT"};
+};
+
+TEST_P(DrivePictureTests, noDrive) {
+    open(0);
+    take("ssd-none");
+}
+
+TEST_P(DrivePictureTests, aDriveForWorkAndAnotherOne) {
+    drives.plug("Samsung T9 Kerja", forWork);
+    drives.plug("Foto", forPhotos);
+    auto settings = model().settings();
+    settings.workVolumeUUID = "aa-1";
+    model().setSettings(settings);
+    open(2);
+    ssd().toggleCache(1);
+    model().relocate({DevCache::gradleHome});
+    model().dismissNotice();
+    ASSERT_TRUE(waitFor([&] { return model().relocationTargets().size() == 1; }));
+    take("ssd");
+    scrollTo(300);
+    take("ssd-caches");
+}
+
+TEST_P(DrivePictureTests, aDriveOfAnotherFormat) {
+    drives.plug("Foto", forPhotos);
+    open(1);
+    take("ssd-exfat");
+}
+
+TEST_P(DrivePictureTests, whatWasMoved) {
+    const auto path = drives.plug("Samsung T9 Kerja", forWork);
+    std::filesystem::create_directories(path + "/Korvanti Offload/Library/Developer/Xcode/Archives");
+    auto archives =
+        movedRecord("Arsip Xcode (.xcarchive)", path + "/Korvanti Offload/Library/Developer/Xcode/Archives");
+    archives.originalPath = "/Users/tester/Library/Developer/Xcode/Archives";
+    auto model = movedRecord("Model qwen2.5-coder-7b", path + "/Korvanti Offload/.lmstudio/models");
+    model.originalPath = "/Users/tester/.lmstudio/models/qwen2.5-coder-7b";
+    model.bytes = 3'050'000'000;
+    saveRecords(mac, {archives, model, movedRecord("Dataset", "/Volumes/Lama/Korvanti Offload/Dataset")});
+    open(1);
+    const auto& pane = item("ssdScroll");
+    scrollTo(pane.property("contentHeight").toDouble() - pane.height());
+    take("ssd-moved");
+}
+
 const auto looks =
     ::testing::Values(Look{"light", false, {1140, 760}}, Look{"dark", true, {1140, 760}},
                       Look{"small-light", false, {960, 620}}, Look{"small-dark", true, {960, 620}},
@@ -325,6 +391,14 @@ const auto nameOfLook = [](const auto& look) {
 };
 INSTANTIATE_TEST_SUITE_P(EachLook, AppPictureTests, looks, nameOfLook);
 INSTANTIATE_TEST_SUITE_P(EachLook, PictureTests, looks, nameOfLook);
+std::string nameOf(const ::testing::TestParamInfo<Look>& look) {
+    std::string name = look.param.name;
+    std::ranges::replace(name, '-', '_');
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(EachLook, DrivePictureTests, looks, nameOf);
+INSTANTIATE_TEST_SUITE_P(EachLook, PictureTests, looks, nameOf);
 
 } // namespace
 } // namespace korvanti

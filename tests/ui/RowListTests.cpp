@@ -44,6 +44,44 @@ TEST_F(RowListTests, onlyRowsThatAreDifferentAreTold) {
     EXPECT_EQ(resets.count(), 0);
 }
 
+// Rows that stand for somebody
+
+TEST_F(RowListTests, aRowThatStandsForSomebodyKeepsItsPlaceAmongTheOthers) {
+    const auto named = [](const QString& name, int age) {
+        return RowList::Row{{"name", name}, {"age", age}};
+    };
+    list.setRows({named("a", 1), named("b", 1), named("c", 1)}, "name");
+    const QPersistentModelIndex a = list.index(0);
+    const QPersistentModelIndex b = list.index(1);
+    const QPersistentModelIndex c = list.index(2);
+    QSignalSpy changes(&list, &RowList::dataChanged);
+    list.setRows({named("c", 1), named("x", 1), named("b", 2)}, "name");
+    EXPECT_EQ(names(), (QStringList{"c", "x", "b"}));
+    EXPECT_FALSE(a.isValid());
+    EXPECT_EQ(b.row(), 2);
+    EXPECT_EQ(c.row(), 0);
+    ASSERT_EQ(changes.count(), 1);
+    EXPECT_EQ(changes[0][0].toModelIndex().row(), 2);
+    EXPECT_EQ(list.rows()[2].value("age"), 2);
+}
+
+TEST_F(RowListTests, inWhateverOrderTheyComeTheRowsAreThoseThatWereSet) {
+    const QString letters = "abcabd"; // some of them twice
+    for (int step = 0; step < 2'000; ++step) {
+        QList<RowList::Row> rows;
+        QStringList expected;
+        for (int number = step; number > 0; number /= 7) {
+            const auto digit = number % 7;
+            if (digit == 6)
+                continue;
+            expected.append(letters[digit]);
+            rows.append(row(letters[digit]));
+        }
+        list.setRows(rows, "name");
+        ASSERT_EQ(names(), expected) << step;
+    }
+}
+
 TEST_F(RowListTests, whatIsNotThereHasNoValue) {
     list.setRows({row("a")});
     EXPECT_FALSE(list.data(list.index(0), Qt::UserRole + 1).isValid());
