@@ -182,6 +182,7 @@ ScrollPane {
         id: dialog
         objectName: "folderDialog"
         title: "Tambah folder…"
+        parentWindow: root.Window.window
         acceptLabel: "Tambahkan"
         onAccepted: root.model.addFolderUrls([dialog.selectedFolder])
     }

@@ -1,6 +1,7 @@
 #include "ui/SteppedSetting.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace korvanti {
@@ -11,16 +12,23 @@ SteppedSetting::SteppedSetting(AppModel& model, std::int64_t KorvantiSettings::*
     connect(&model, &AppModel::settingsChanged, this, &SteppedSetting::changed);
 }
 
+int SteppedSetting::shownNumber() const {
+    using Limits = std::numeric_limits<int>;
+    return static_cast<int>(std::clamp<std::int64_t>(number(), Limits::min(), Limits::max()));
+}
+
 std::int64_t SteppedSetting::raised() const {
     if (number() >= range_.highest)
         return number();
-    return number() < range_.lowest ? range_.lowest : std::min(number() + range_.step, range_.highest);
+    return number() < range_.lowest ? range_.lowest
+                                    : std::min<std::int64_t>(number() + range_.step, range_.highest);
 }
 
 std::int64_t SteppedSetting::lowered() const {
     if (number() <= range_.lowest)
         return number();
-    return number() > range_.highest ? range_.highest : std::max(number() - range_.step, range_.lowest);
+    return number() > range_.highest ? range_.highest
+                                     : std::max<std::int64_t>(number() - range_.step, range_.lowest);
 }
 
 void SteppedSetting::set(std::int64_t number) {

@@ -276,6 +276,7 @@ TEST_P(PictureTests, theMap) {
     open(Pane::map);
     for (const int row : {0, 1, 2})
         map().tree()->expand(row);
+    settle();
     hover("row:/Users/tester/Library/Developer/Xcode");
     take("map");
 }
@@ -289,6 +290,7 @@ TEST_P(PictureTests, theMapBeingMade) {
     const auto picture = grab();
     EXPECT_TRUE(model().isMapping());
     const auto folder = qEnvironmentVariable("KORVANTI_PICTURES", QDir::tempPath() + "/pictures");
+    ASSERT_TRUE(QDir().mkpath(folder));
     ASSERT_TRUE(picture.save(folder + "/map-running-" + GetParam().name + ".png"));
     ASSERT_TRUE(waitFor([&] { return !model().isMapping(); }));
 }

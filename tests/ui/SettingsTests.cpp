@@ -192,9 +192,11 @@ TEST_F(SettingsTests, theDialogHandsOverWhatWasChosen) {
     ASSERT_TRUE(dialog);
     EXPECT_EQ(dialog->property("acceptLabel").toString(), "Tambahkan");
     click("addFolderButton");
-    settle(200);
+    settle(500);
+    grab("dialog.png");
     EXPECT_TRUE(dialog->property("visible").toBool());
-    dialog->setProperty("selectedFolder", QUrl::fromLocalFile(QString::fromStdString(mac.home.path("Chosen"))));
+    dialog->setProperty("selectedFolder",
+                        QUrl::fromLocalFile(QString::fromStdString(mac.home.path("Chosen"))));
     QMetaObject::invokeMethod(dialog, "accept");
     settle(200);
     EXPECT_FALSE(dialog->property("visible").toBool());
@@ -260,6 +262,9 @@ TEST_F(SettingsTests, theSteppersStopAtTheirBoundsForAScreenReader) {
     auto& days = face("inactiveStepper");
     EXPECT_EQ(days.role(), QAccessible::SpinBox);
     EXPECT_EQ(days.text(QAccessible::Name), "Proyek dianggap tidak aktif setelah 179 hari");
+    EXPECT_EQ(days.valueInterface()->currentValue().toInt(), 179);
+    EXPECT_EQ(days.valueInterface()->minimumValue().toInt(), 3);
+    EXPECT_EQ(days.valueInterface()->maximumValue().toInt(), 180);
     for (int i = 0; i < 3; ++i)
         days.actionInterface()->doAction(QAccessibleActionInterface::increaseAction());
     EXPECT_EQ(saved().inactiveDays, 180);
