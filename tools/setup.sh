@@ -15,7 +15,8 @@ packages_for() {
       debian="g++ cmake ninja-build libicu-dev libtbb-dev nlohmann-json3-dev libfmt-dev uuid-dev
         qt6-base-dev qt6-declarative-dev qt6-svg-dev libgl-dev qml6-module-qtquick qml6-module-qtquick-window
         qml6-module-qtquick-controls qml6-module-qtquick-templates qml6-module-qtquick-layouts qml6-module-qtqml qml6-module-qtqml-models
-        qml6-module-qtqml-workerscript fonts-inter fonts-dejavu-core"
+        qml6-module-qtqml-workerscript qml6-module-qtquick-dialogs
+        qml6-module-qt-labs-folderlistmodel fonts-inter fonts-dejavu-core"
       brew="cmake ninja icu4c tbb nlohmann-json fmt qt" ;;
     test)
       debian="libgtest-dev libgmock-dev util-linux locales git procps dbus-daemon xvfb xdotool"

@@ -558,9 +558,11 @@ bool AppModel::isLoginItem() const {
     return desktop_->isLoginItem();
 }
 
-void AppModel::setLoginItem(bool enabled) {
-    if (const auto result = desktop_->setLoginItem(enabled); !result)
+bool AppModel::setLoginItem(bool enabled) {
+    const auto result = desktop_->setLoginItem(enabled);
+    if (!result)
         fail("Gagal mengubah 'buka saat login': " + result.error());
+    return result.has_value();
 }
 
 void AppModel::openFullDiskAccessSettings() {

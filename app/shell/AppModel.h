@@ -124,7 +124,7 @@ public:
     void revertRelocation(const std::set<DevCache>& caches);
     void generateMap();
     [[nodiscard]] bool isLoginItem() const; ///< asks the system
-    void setLoginItem(bool enabled);
+    bool setLoginItem(bool enabled); ///< false when the system refused, which is told in `errorMessage`
     void openFullDiskAccessSettings();
     void reveal(const std::string& path); ///< its folder, where it is gone
     /// What can be asked about by its identifier, so never one without; asks the system.

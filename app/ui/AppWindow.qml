@@ -31,7 +31,7 @@ ApplicationWindow {
         onActivated: root.frame.scan()
     }
     Shortcut {
-        sequence: "Ctrl+,"
+        sequence: "Ctrl+," // Command on a Mac
         onActivated: root.frame.openSettings()
     }
     Shortcut {

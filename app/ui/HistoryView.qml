@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import Korvanti.Ui
 
@@ -7,8 +8,59 @@ FocusScope {
 
     required property HistoryModel model
 
+    onVisibleChanged: if (root.visible) root.model.opened()
+
     PaneToolbar {
+        id: toolbar
         width: parent.width
         title: "Riwayat"
+    }
+    Rectangle {
+        anchors { top: toolbar.bottom; topMargin: -1; bottom: parent.bottom }
+        width: parent.width
+        color: root.model.isEmpty ? Brand.window : Brand.list
+
+        EmptyState {
+            anchors.fill: parent
+            visible: root.model.isEmpty
+            symbol: "clock"
+            title: "Belum ada aktivitas"
+            body: "Semua penghapusan & pemindahan tercatat di sini."
+        }
+        RowsView {
+            id: list
+            objectName: "historyList"
+            anchors { fill: parent; topMargin: 1 }
+            visible: !root.model.isEmpty
+            label: "Riwayat"
+            model: root.model
+            delegate: HistoryRow {
+                id: row
+                width: ListView.view.width
+                isCurrent: ListView.isCurrentItem
+                showsFocus: list.showsFocus
+                // Out of sight is not enough: it would still be read out.
+                ListView.onPooled: row.visible = false
+                ListView.onReused: row.visible = true
+                onPressed: list.choose(row.index, row)
+                onHintRequested: (about, text) => {
+                    hint.about = about;
+                    hint.text = about !== null ? text : "";
+                }
+            }
+        }
+        Rectangle {
+            visible: !root.model.isEmpty
+            width: parent.width
+            height: 1
+            color: Brand.separator
+        }
+    }
+    Hint { // one for all rows
+        id: hint
+        property Item about: null
+        objectName: "rowHint"
+        parent: about ?? root
+        shown: about !== null
     }
 }

@@ -15,6 +15,10 @@ ApplicationWindow {
     title: "Pengaturan"
     color: Brand.window
 
+    SettingsView {
+        anchors.fill: parent
+        model: root.model
+    }
     Shortcut {
         sequences: [StandardKey.Close, "Escape"]
         onActivated: root.close()

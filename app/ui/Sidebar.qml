@@ -25,12 +25,24 @@ Rectangle {
     BrandText {
         anchors.left: mark.right
         anchors.leftMargin: 10
-        anchors.right: parent.right
+        anchors.right: settingsButton.visible ? settingsButton.left : parent.right
         anchors.rightMargin: 10
         anchors.verticalCenter: mark.verticalCenter
         text: "Korvanti"
         style: BrandText.BrandName
         elide: Text.ElideRight
+    }
+    IconButton { // a Mac has its menu bar for that
+        id: settingsButton
+        objectName: "settingsButton"
+        anchors.right: parent.right
+        anchors.rightMargin: 11
+        anchors.verticalCenter: mark.verticalCenter
+        visible: Qt.platform.os !== "osx"
+        symbol: "gearshape.fill"
+        symbolSize: 16
+        hint: "Pengaturan"
+        onClicked: root.model.openSettings()
     }
     ListView {
         id: list

@@ -148,7 +148,7 @@ TEST_F(KorvantiAppTests, theDocksIconOpensTheWindowAgain) {
     EXPECT_TRUE(app().window()->isVisible());
 }
 
-TEST_F(KorvantiAppTests, aKeyOpensTheSettings) {
+TEST_F(KorvantiAppTests, theSettingsHaveAWindowOfTheirOwn) {
     saveReport({cache("one")});
     adopt(*app().window());
     EXPECT_EQ(app().settingsWindow(), nullptr);
@@ -156,6 +156,18 @@ TEST_F(KorvantiAppTests, aKeyOpensTheSettings) {
     settle();
     ASSERT_NE(app().settingsWindow(), nullptr);
     EXPECT_TRUE(app().settingsWindow()->isVisible());
+    EXPECT_EQ(app().settingsWindow()->title(), "Pengaturan");
+    EXPECT_EQ(app().settingsWindow()->size(), QSize(520, 460));
+    adopt(*app().settingsWindow());
+    EXPECT_TRUE(find("addFolderButton"));
+    press(Qt::Key_Escape);
+    settle();
+    EXPECT_FALSE(app().settingsWindow()->isVisible());
+    EXPECT_TRUE(app().window()->isVisible());
+    adopt(*app().window());
+    click("settingsButton");
+    settle();
+    EXPECT_TRUE(app().settingsWindow()->isVisible()) << "the same again";
 }
 
 TEST_F(KorvantiAppTests, withoutAnItemClosingTheWindowQuits) {
