@@ -74,7 +74,7 @@ TEST_F(BundleTests, isDescribedInFull) {
         {"CFBundleDevelopmentRegion", "id"},
         {"CFBundleExecutable", "korvanti-window"},
         {"CFBundleIconFile", "korvanti.icns"},
-        {"CFBundleIdentifier", "id.korvanti.Korvanti"},
+        {"CFBundleIdentifier", "id.korvanti.korvanti"},
         {"CFBundleInfoDictionaryVersion", "6.0"},
         {"CFBundleName", "Korvanti"},
         {"CFBundlePackageType", "APPL"},
@@ -198,7 +198,7 @@ TEST(CaskTests, isFilledFromTheDiskImage) {
                              "\n  url \"https://there.invalid/a&b\\1.dmg\"\n",
                              "\n  homepage \"https://there.invalid\"\n",
                              "\n  depends_on macos: \">= :ventura\"\n", "\n  depends_on arch: :arm64\n",
-                             "\n  uninstall quit: \"id.korvanti.Korvanti\"\n"})
+                             "\n  uninstall quit: \"id.korvanti.korvanti\"\n"})
         EXPECT_THAT(result.out, HasSubstr(line));
     EXPECT_THAT(result.out, Not(ContainsRegex("@[A-Z]")));
 }
