@@ -103,8 +103,8 @@ QImage icon(const QString& art, int pixels) {
     return image;
 }
 
-/// One channel in the packing of Apple's icon files: a byte below 128 announces that many and one bytes as they
-/// are, any other the repetition of the next, 3 to 130 times.
+/// One channel in the packing of Apple's icon files: a byte below 128 announces that many and one bytes as
+/// they are, any other the repetition of the next, 3 to 130 times.
 QByteArray packed(const QByteArray& bytes) {
     constexpr qsizetype longestPlain = 128;
     constexpr qsizetype longestRun = 130;

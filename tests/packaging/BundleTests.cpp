@@ -29,7 +29,7 @@ protected:
     static void SetUpTestSuite() {
         folder = new TempFolder;
         const auto result = runProgram({KORVANTI_CMAKE, "--install", KORVANTI_BUILD, "--component", "bundle",
-                                        "--prefix", folder->path(), "--strip"});
+                                        "--prefix", folder->path()});
         ASSERT_EQ(result.status, 0) << result.err;
     }
     static void TearDownTestSuite() {
@@ -40,12 +40,13 @@ protected:
     [[nodiscard]] static std::string contents(const std::string& path) {
         return folder->path("Korvanti.app/Contents/" + path);
     }
-    [[nodiscard]] static PropertyList info() {
-        return PropertyList::parse(textOf(contents("Info.plist"))).value_or(PropertyList());
-    }
 
     static inline TempFolder* folder = nullptr;
 };
+
+PropertyList info() {
+    return PropertyList::parse(textOf(KORVANTI_BUILD "/packaging/Info.plist")).value_or(PropertyList());
+}
 
 std::set<std::string> filesIn(const std::string& folder) {
     std::set<std::string> files;
@@ -58,17 +59,33 @@ std::set<std::string> filesIn(const std::string& folder) {
 
 TEST_F(BundleTests, holdsBothProgramsAndNothingTwice) {
     EXPECT_THAT(filesIn(folder->path()),
-                UnorderedElementsAre("Korvanti.app/Contents/Info.plist", "Korvanti.app/Contents/MacOS/korvanti",
-                                     "Korvanti.app/Contents/MacOS/korvanti-window",
-                                     "Korvanti.app/Contents/Resources/LICENSE",
-                                     "Korvanti.app/Contents/Resources/completions/_korvanti",
-                                     "Korvanti.app/Contents/Resources/completions/korvanti.bash",
-                                     "Korvanti.app/Contents/Resources/completions/korvanti.fish",
-                                     "Korvanti.app/Contents/Resources/korvanti.icns",
-                                     "Korvanti.app/Contents/Resources/man/man1/korvanti.1"));
+                UnorderedElementsAre(
+                    "Korvanti.app/Contents/Info.plist", "Korvanti.app/Contents/MacOS/korvanti",
+                    "Korvanti.app/Contents/MacOS/korvanti-window", "Korvanti.app/Contents/Resources/LICENSE",
+                    "Korvanti.app/Contents/Resources/completions/_korvanti",
+                    "Korvanti.app/Contents/Resources/completions/korvanti.bash",
+                    "Korvanti.app/Contents/Resources/completions/korvanti.fish",
+                    "Korvanti.app/Contents/Resources/korvanti.icns",
+                    "Korvanti.app/Contents/Resources/man/man1/korvanti.1"));
 }
 
-TEST_F(BundleTests, isDescribedInFull) {
+TEST_F(BundleTests, holdsWhatItsDescriptionNames) {
+    EXPECT_EQ(textOf(contents("Info.plist")), textOf(KORVANTI_BUILD "/packaging/Info.plist"));
+    EXPECT_TRUE(
+        std::filesystem::exists(contents("MacOS/" + info().text("CFBundleExecutable").value_or("-"))));
+    EXPECT_TRUE(
+        std::filesystem::exists(contents("Resources/" + info().text("CFBundleIconFile").value_or("-"))));
+}
+
+TEST_F(BundleTests, theCommandRunsThroughALinkFromElsewhere) {
+    const auto link = folder->symlink("bin/korvanti", contents("MacOS/korvanti"));
+    const auto result = runProgram({link, "--help"});
+    std::filesystem::remove_all(folder->path("bin"));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("--report"));
+}
+
+TEST(BundleInfoTests, isDescribedInFull) {
     const auto list = info();
     const std::pair<const char*, const char*> wanted[] = {
         {"CFBundleDevelopmentRegion", "id"},
@@ -96,12 +113,7 @@ TEST_F(BundleTests, isDescribedInFull) {
     EXPECT_EQ(list.find("LSUIElement"), nullptr) << "it has a window, and so a place in the Dock";
 }
 
-TEST_F(BundleTests, namesFilesThatAreThere) {
-    EXPECT_TRUE(std::filesystem::exists(contents("MacOS/" + info().text("CFBundleExecutable").value_or("-"))));
-    EXPECT_TRUE(std::filesystem::exists(contents("Resources/" + info().text("CFBundleIconFile").value_or("-"))));
-}
-
-TEST_F(BundleTests, saysWhatEachOfTheUsersFoldersIsReadFor) {
+TEST(BundleInfoTests, saysWhatEachOfTheUsersFoldersIsReadFor) {
     const auto list = info();
     ASSERT_NE(list.dictionary(), nullptr);
     std::set<std::string> asked;
@@ -116,15 +128,7 @@ TEST_F(BundleTests, saysWhatEachOfTheUsersFoldersIsReadFor) {
                                    "NSRemovableVolumesUsageDescription"));
 }
 
-TEST_F(BundleTests, theCommandRunsThroughALinkFromElsewhere) {
-    const auto link = folder->symlink("bin/korvanti", contents("MacOS/korvanti"));
-    const auto result = runProgram({link, "--help"});
-    std::filesystem::remove_all(folder->path("bin"));
-    EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.out, HasSubstr("--report"));
-}
-
-TEST_F(BundleTests, asksForNoExceptionFromTheHardenedRuntime) {
+TEST(BundleInfoTests, asksForNoExceptionFromTheHardenedRuntime) {
     const auto list = PropertyList::parse(textOf(macos + "Korvanti.entitlements"));
     ASSERT_TRUE(list);
     EXPECT_EQ(*list, PropertyList(PropertyList::Dictionary()));
@@ -146,7 +150,8 @@ protected:
         temp.file("K.app/Contents/Frameworks/QtCore.framework/Versions/A/QtCore");
     }
 
-    [[nodiscard]] ProgramResult deploy(const std::string& identity, const std::string& refused = "nothing") const {
+    [[nodiscard]] ProgramResult deploy(const std::string& identity,
+                                       const std::string& refused = "nothing") const {
         return runProgram({KORVANTI_CMAKE, "-DKORVANTI_BUNDLE=" + temp.path("K.app"),
                            "-DKORVANTI_MACDEPLOYQT=" + temp.path("tools/macdeployqt"),
                            "-DKORVANTI_SOURCE=/source", "-P", macos + "Deploy.cmake"},
@@ -164,21 +169,22 @@ TEST_F(DeployTests, signsWhatIsInsideBeforeTheBundle) {
     const std::string entitled = sign + " --entitlements /source/packaging/macos/Korvanti.entitlements ";
     const auto result = deploy("");
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(result.out,
-              "macdeployqt " + bundle + " -executable=" + bundle +
-                  "/Contents/MacOS/korvanti -qmldir=/source/app/ui\n" + sign + " " + bundle +
-                  "/Contents/Frameworks/libtbb.12.dylib\n" + sign + " " + bundle +
-                  "/Contents/PlugIns/platforms/libqcocoa.dylib\n" + sign + " " + bundle +
-                  "/Contents/Frameworks/QtCore.framework\n" + entitled + bundle + "/Contents/MacOS/korvanti\n" +
-                  entitled + bundle + "\n" + "codesign --verify --deep --strict " + bundle + "\n");
+    EXPECT_EQ(result.out, "macdeployqt " + bundle + " -executable=" + bundle +
+                              "/Contents/MacOS/korvanti -qmldir=/source/app/ui\n" + sign + " " + bundle +
+                              "/Contents/Frameworks/libtbb.12.dylib\n" + sign + " " + bundle +
+                              "/Contents/PlugIns/platforms/libqcocoa.dylib\n" + sign + " " + bundle +
+                              "/Contents/Frameworks/QtCore.framework\n" + entitled + bundle +
+                              "/Contents/MacOS/korvanti\n" + entitled + bundle + "\n" +
+                              "codesign --verify --deep --strict " + bundle + "\n");
 }
 
 TEST_F(DeployTests, anIdentitySignsForTheHardenedRuntime) {
     const auto result = deploy("Developer ID: A (B)");
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_THAT(result.out, HasSubstr("codesign --force --sign Developer ID: A (B) --options runtime --timestamp "
-                                      "--entitlements /source/packaging/macos/Korvanti.entitlements " +
-                                      temp.path("K.app") + "\n"));
+    EXPECT_THAT(result.out,
+                HasSubstr("codesign --force --sign Developer ID: A (B) --options runtime --timestamp "
+                          "--entitlements /source/packaging/macos/Korvanti.entitlements " +
+                          temp.path("K.app") + "\n"));
 }
 
 TEST_F(DeployTests, aToolThatFailsEndsIt) {
@@ -190,15 +196,15 @@ TEST_F(DeployTests, aToolThatFailsEndsIt) {
 TEST(CaskTests, isFilledFromTheDiskImage) {
     const TempFolder temp;
     const auto image = temp.file("Korvanti-" KORVANTI_VERSION "-arm64.dmg", {.text = "abc"});
-    const auto result = runProgram({macos + "cask", image, "https://there.invalid/a&b\\1.dmg",
-                                    "https://there.invalid", "ventura"});
+    const auto result = runProgram(
+        {macos + "cask", image, "https://there.invalid/a&b\\1.dmg", "https://there.invalid", "ventura"});
     EXPECT_EQ(result.status, 0) << result.err;
-    for (const char* line : {"\n  version \"" KORVANTI_VERSION "\"\n",
-                             "\n  sha256 \"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad\"\n",
-                             "\n  url \"https://there.invalid/a&b\\1.dmg\"\n",
-                             "\n  homepage \"https://there.invalid\"\n",
-                             "\n  depends_on macos: \">= :ventura\"\n", "\n  depends_on arch: :arm64\n",
-                             "\n  uninstall quit: \"id.korvanti.korvanti\"\n"})
+    for (const char* line :
+         {"\n  version \"" KORVANTI_VERSION "\"\n",
+          "\n  sha256 \"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad\"\n",
+          "\n  url \"https://there.invalid/a&b\\1.dmg\"\n", "\n  homepage \"https://there.invalid\"\n",
+          "\n  depends_on macos: \">= :ventura\"\n", "\n  depends_on arch: :arm64\n",
+          "\n  uninstall quit: \"id.korvanti.korvanti\"\n"})
         EXPECT_THAT(result.out, HasSubstr(line));
     EXPECT_THAT(result.out, Not(ContainsRegex("@[A-Z]")));
 }

@@ -74,7 +74,9 @@ QImage unpacked(const std::string& bytes, int pixels) {
     }
     QImage image(pixels, pixels, QImage::Format_ARGB32);
     for (std::size_t i = 0; i < count; ++i) {
-        const auto channel = [&](std::size_t which) { return static_cast<unsigned char>(plain[which * count + i]); };
+        const auto channel = [&](std::size_t which) {
+            return static_cast<unsigned char>(plain[which * count + i]);
+        };
         const auto place = static_cast<int>(i);
         image.setPixel(place % pixels, place / pixels, qRgba(channel(1), channel(2), channel(3), channel(0)));
     }
@@ -130,14 +132,16 @@ TEST(IconTests, theMacsFileHoldsEachSizeAtBothDensities) {
 
 TEST(IconTests, packedPixelsAreThoseOfThePictureOfTheSameSize) {
     const QImage unpackedIcon = unpacked(entriesOf(textOf(icons + "/korvanti.icns")).at(2).second, 32);
-    EXPECT_EQ(unpackedIcon,
-              picture(textOf(icons + "/hicolor/32x32/apps/korvanti.png")).convertToFormat(QImage::Format_ARGB32));
+    EXPECT_EQ(
+        unpackedIcon,
+        picture(textOf(icons + "/hicolor/32x32/apps/korvanti.png")).convertToFormat(QImage::Format_ARGB32));
 }
 
 TEST(IconTests, theDesktopsFolderHoldsEachSizeThatItNames) {
     for (const int pixels : {16, 22, 24, 32, 48, 64, 128, 256, 512}) {
         const auto side = std::to_string(pixels);
-        expectTheMark(picture(textOf(icons + "/hicolor/" + side + "x" + side + "/apps/korvanti.png")), pixels);
+        expectTheMark(picture(textOf(icons + "/hicolor/" + side + "x" + side + "/apps/korvanti.png")),
+                      pixels);
     }
     EXPECT_EQ(textOf(icons + "/hicolor/scalable/apps/korvanti.svg"),
               textOf(KORVANTI_SOURCE "/app/ui/art/application.svg"));
@@ -151,14 +155,15 @@ TEST(IconTests, theBodyRunsFromLightToDarkOnASoftShadow) {
     EXPECT_GT(at(image, 256, 476).alpha(), 0);
     EXPECT_LT(at(image, 256, 466).alpha(), 80);
     EXPECT_EQ(at(image, 256, 466).lightness(), 0);
-    EXPECT_GT(at(image, 256, 466).alpha(), at(image, 256, 45).alpha()) << "above it, where the shadow is less";
+    EXPECT_GT(at(image, 256, 466).alpha(), at(image, 256, 45).alpha())
+        << "above it, where the shadow is less";
     EXPECT_EQ(at(image, 256, 510).alpha(), 0);
 }
 
 TEST(IconTests, drawnAgainEveryFileIsTheSame) {
     const TempFolder temp;
-    const auto result = runProgram({KORVANTI_BUILD "/packaging/korvanti_icons",
-                                    KORVANTI_SOURCE "/app/ui/art", temp.path("icons")});
+    const auto result = runProgram(
+        {KORVANTI_BUILD "/packaging/korvanti_icons", KORVANTI_SOURCE "/app/ui/art", temp.path("icons")});
     ASSERT_EQ(result.status, 0) << result.err;
     const auto difference = runProgram({"diff", "-r", temp.path("icons"), icons});
     EXPECT_EQ(difference.status, 0) << difference.out << difference.err;
