@@ -27,6 +27,12 @@ packages_for() {
     mac-check)
       debian="npm libgnustep-base-dev libgnustep-gui-dev"
       brew="node" ;;
+    package)
+      debian="dpkg-dev file"
+      brew="" ;;
+    package-checks)
+      debian="lintian desktop-file-utils appstream man-db groff zsh fish python3-yaml"
+      brew="" ;;
     pictures)
       debian="pngquant"
       brew="pngquant" ;;

@@ -30,6 +30,7 @@ int main(int argc, char** argv) {
     qInstallMessageHandler(report);
     QApplication application(argc, argv);
     QApplication::setApplicationName("Korvanti");
+    QApplication::setDesktopFileName("korvanti"); // by which a desktop finds name and icon
     QApplication::setQuitOnLastWindowClosed(false);
     QIcon icon(":/qt/qml/Korvanti/Ui/art/application.svg");
     icon.addPixmap(QIcon(":/qt/qml/Korvanti/Ui/art/application-16.svg").pixmap(16));
