@@ -162,7 +162,7 @@ void fillDisks(const SampleMac& mac) {
     onStick.fill(DiskFolder(stick + "/DCIM"), 59'300 * megabyte, mac.ago(75));
 }
 
-/// The newest last, as the program writes it.
+/// What the program did in the last months.
 void layHistory(const SampleMac& mac) {
     struct Entry {
         int days;
@@ -174,19 +174,19 @@ void layHistory(const SampleMac& mac) {
         const char* message = "Dihapus";
     };
     constexpr Entry entries[] = {
-        {135, "Hapus", "DerivedData Xcode", "Library/Developer/Xcode/DerivedData", 34'200},
-        {135, "Hapus", "Cache Homebrew", "Library/Caches/Homebrew", 2'140},
-        {135, "Hapus", "Cache build Gradle 7.4", ".gradle/caches/7.4", 1'870},
+        {135, "Hapus permanen", "DerivedData Xcode", "Library/Developer/Xcode/DerivedData", 34'200},
+        {135, "Hapus permanen", "Unduhan Homebrew", "Library/Caches/Homebrew", 2'140},
+        {135, "Hapus permanen", "Cache Gradle 7.4 (tidak dipakai)", ".gradle/caches/7.4", 1'870},
         {75, "Hapus simulator", "iPhone 12 · iOS 15.5", "Library/Developer/CoreSimulator/Devices/A1", 4'460, true,
          "Simulator dihapus"},
-        {75, "Ke Tong Sampah", "Figma", "/Applications/Figma.app", 0, true, "Dipindah ke Tong Sampah"},
-        {75, "Kosongkan", "Tong Sampah", ".Trash", 6'310, true, "Tong Sampah dikosongkan"},
+        {75, "Pindah ke Tong Sampah", "Figma", "/Applications/Figma.app", 0, true, "Dipindah ke Tong Sampah"},
+        {75, "Kosongkan Tong Sampah", "Isi Tong Sampah", ".Trash", 6'310, true, "Tong Sampah dikosongkan"},
         {40, "Pindah ke SSD", "ekspor-2022", "Developer/toko-web/arsip-desain/ekspor-2022", 9'120, true,
-         "Dipindah ke SSD Kerja"},
-        {18, "Hapus", "Arsip Xcode", "Library/Developer/Xcode/Archives", 0, false,
+         "→ /Volumes/SSD Kerja/Korvanti Offload/Developer/toko-web/arsip-desain/ekspor-2022"},
+        {18, "Hapus permanen", "Log Zoom", "Library/Logs/Zoom", 0, false,
          "Tidak ada izin. Aktifkan Full Disk Access untuk Korvanti."},
-        {10, "Hapus", "Dependency npm (node_modules)", "Developer/kosong/node_modules", 612},
-        {3, "Hapus", "Cache Google Chrome", "Library/Caches/Google/Chrome", 1'480},
+        {10, "Hapus permanen", "Dependency npm (node_modules)", "Developer/kosong/node_modules", 612},
+        {3, "Hapus permanen", "Cache Google Chrome", "Library/Caches/Google/Chrome", 1'480},
     };
     const ActivityLog log(AppPaths::activity());
     for (const auto& entry : entries)
@@ -199,7 +199,7 @@ void layHistory(const SampleMac& mac) {
                     .message = entry.message});
 }
 
-/// The map as it was three days ago, when the caches were smaller: that of today, made first of all.
+/// A map of this Mac, with a date two days back.
 void layMap(const SampleMac& mac) {
     auto map = StorageMapper::map(StorageMapper::defaultRoots("/Users/tester"), [](const std::string&) {});
     map.createdAt = instantFromSeconds(mac.ago(2));
