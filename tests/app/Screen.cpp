@@ -194,8 +194,8 @@ void Screen::press(const std::string& key) const {
     input({"key", key});
 }
 
-void Screen::closeWindow(const std::string& title) const {
-    input({"search", "--onlyvisible", "--name", title, "windowquit"});
+void Screen::disconnect(const std::string& title) const {
+    input({"search", "--onlyvisible", "--name", title, "windowkill"});
 }
 
 void Screen::input(const std::vector<std::string>& words) const {

@@ -63,8 +63,8 @@ public:
     [[nodiscard]] Picture picture() const;
     void click(Point point) const;
     void press(const std::string& key) const; ///< as xdotool names it
-    /// Asks the window with this title to close, as the cross of its frame does.
-    void closeWindow(const std::string& title) const;
+    /// Takes the screen away from the program whose window has this title, as the end of a session does.
+    void disconnect(const std::string& title) const;
 
     /// Where `findRow` finds something as soon as the screen shows it, for a minute at the most.
     [[nodiscard]] std::optional<Point> waitForRow(std::uint32_t colour, int minimum,

@@ -305,8 +305,8 @@ TEST_P(BoxTests, showsAsItIsWhatIsAskedFor) {
     temp.setMode("a folder", 0777);
     temp.setMode("a folder/file", 0666);
 
-    EXPECT_EQ(outputOf({"--show", file}, "cat '" + file + "'; echo new > '" + file + "'; ls '" +
-                                             temp.path("a folder") + "'",
+    EXPECT_EQ(outputOf({"--show", file},
+                       "cat '" + file + "'; echo new > '" + file + "'; ls '" + temp.path("a folder") + "'",
                        {.folder = "/"}),
               "text\nfile\n");
     EXPECT_EQ(textOf(file), "new\n");
@@ -348,14 +348,16 @@ INSTANTIATE_TEST_SUITE_P(StartedBy, BesideTests, ::testing::Values(Starter::root
                          [](const auto& starter) { return nameOf(starter.param); });
 
 TEST_P(BesideTests, whatItMountsStandsBeforeTheCommandStarts) {
-    EXPECT_EQ(outputOf(beside("mkdir /Volumes/Stick; sleep 0.3; mount -t tmpfs -o mode=777 stick /Volumes/Stick\n"
-                              "echo text > /Volumes/Stick/file; echo ready; exec cat"),
-                       "cat /Volumes/Stick/file; umount /Volumes/Stick 2>/dev/null || id -u", here()),
-              "text\n1000\n");
+    EXPECT_EQ(
+        outputOf(beside("mkdir /Volumes/Stick; sleep 0.3; mount -t tmpfs -o mode=777 stick /Volumes/Stick\n"
+                        "echo text > /Volumes/Stick/file; echo ready; exec cat"),
+                 "cat /Volumes/Stick/file; umount /Volumes/Stick 2>/dev/null || id -u", here()),
+        "text\n1000\n");
 }
 
 TEST_P(BesideTests, itEndsWithTheCommand) {
-    const auto arguments = beside("echo ready; exec >/dev/null; cat; echo ended >> '" + temp.path("log") + "'");
+    const auto arguments =
+        beside("echo ready; exec >/dev/null; cat; echo ended >> '" + temp.path("log") + "'");
 
     EXPECT_EQ(outputOf(arguments, "cat '" + temp.path("log") + "'", here()), "");
     EXPECT_TRUE(isLogged("ended"));

@@ -7,8 +7,8 @@
 #include <sys/vfs.h>
 
 /// A library to be loaded before the C library's own. The files of the sample Mac are links to a few blocks,
-/// each of them in the place of a file of its own, as every measurement counts them. Here the disks do so, too:
-/// taken is what all their names hold, and who removes a folder has its size free again. The capacity is
+/// each of them in the place of a file of its own, as every measurement counts them. Here the disks do so,
+/// too: taken is what all their names hold, and who removes a folder has its size free again. The capacity is
 /// that of the memory file system.
 namespace {
 

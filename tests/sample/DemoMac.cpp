@@ -47,7 +47,8 @@ constexpr std::pair<std::string_view, std::int64_t> sizesOfLife[] = {
 };
 
 std::int64_t sizeOfLife(std::string_view path, std::int64_t bytes) {
-    const auto* const found = std::ranges::find(sizesOfLife, path, &std::pair<std::string_view, std::int64_t>::first);
+    const auto* const found =
+        std::ranges::find(sizesOfLife, path, &std::pair<std::string_view, std::int64_t>::first);
     return found == std::end(sizesOfLife) ? bytes * 10 : found->second;
 }
 
@@ -94,8 +95,7 @@ void installSimulators(const SampleMac& mac) {
             runtime["sizeBytes"] = 7'340 * megabyte;
         else if (!runtime.contains("path"))
             continue; // says that it takes space which lies nowhere
-        simulators.file("runtimes/" + identifier,
-                        {.text = "\"" + identifier + "\":" + compactJson(runtime)});
+        simulators.file("runtimes/" + identifier, {.text = "\"" + identifier + "\":" + compactJson(runtime)});
         answerBy("runtime delete " + identifier);
     }
     mac.fill(std::string(runtimeAsset) + "/AssetData/Restore/Firmware", 7'294 * megabyte, 40);
@@ -177,8 +177,8 @@ void layHistory(const SampleMac& mac) {
         {135, "Hapus permanen", "DerivedData Xcode", "Library/Developer/Xcode/DerivedData", 34'200},
         {135, "Hapus permanen", "Unduhan Homebrew", "Library/Caches/Homebrew", 2'140},
         {135, "Hapus permanen", "Cache Gradle 7.4 (tidak dipakai)", ".gradle/caches/7.4", 1'870},
-        {75, "Hapus simulator", "iPhone 12 · iOS 15.5", "Library/Developer/CoreSimulator/Devices/A1", 4'460, true,
-         "Simulator dihapus"},
+        {75, "Hapus simulator", "iPhone 12 · iOS 15.5", "Library/Developer/CoreSimulator/Devices/A1", 4'460,
+         true, "Simulator dihapus"},
         {75, "Pindah ke Tong Sampah", "Figma", "/Applications/Figma.app", 0, true, "Dipindah ke Tong Sampah"},
         {75, "Kosongkan Tong Sampah", "Isi Tong Sampah", ".Trash", 6'310, true, "Tong Sampah dikosongkan"},
         {40, "Pindah ke SSD", "ekspor-2022", "Developer/toko-web/arsip-desain/ekspor-2022", 9'120, true,

@@ -52,7 +52,9 @@ protected:
         model().restore(OffloadRecord(*record));
     }
     static SizeResult sizeOf(const std::string& path) { return SizeCalculator::measure(path); }
-    static std::string simulators() { return Toolchain::simctl({"list", "devices", "-j"}, std::chrono::seconds(10))->out; }
+    static std::string simulators() {
+        return Toolchain::simctl({"list", "devices", "-j"}, std::chrono::seconds(10))->out;
+    }
 
     const ScopedVariable developer{"DEVELOPER_DIR", std::nullopt};
 };
@@ -97,16 +99,18 @@ TEST_F(DemoMacTests, isScannedCleanedMovedToTheSsdAndBack) {
     openMenuOf(archives, "xcarchive");
     EXPECT_EQ(text("offloadEntry"), "Pindahkan ke SSD Kerja");
     click("offloadEntry");
-    ASSERT_TRUE(waitFor([&] { return model().offloads().size() == 2; })) << model().errorMessage().value_or("");
+    ASSERT_TRUE(waitFor([&] { return model().offloads().size() == 2; }))
+        << model().errorMessage().value_or("");
     ASSERT_TRUE(waitFor([&] { return !model().busyMessage(); }));
     EXPECT_TRUE(std::filesystem::is_symlink(archives));
     EXPECT_EQ(sizeOf(archivesOnSsd).logicalBytes, before.logicalBytes);
-    EXPECT_NEAR(static_cast<double>(model().freeBytes()), static_cast<double>(freeAfterCleaning + before.bytes),
-                0.1e9);
+    EXPECT_NEAR(static_cast<double>(model().freeBytes()),
+                static_cast<double>(freeAfterCleaning + before.bytes), 0.1e9);
 
     // And back.
     bringBack(archives);
-    ASSERT_TRUE(waitFor([&] { return model().offloads().size() == 1; })) << model().errorMessage().value_or("");
+    ASSERT_TRUE(waitFor([&] { return model().offloads().size() == 1; }))
+        << model().errorMessage().value_or("");
     ASSERT_TRUE(waitFor([&] { return !model().busyMessage(); }));
     EXPECT_FALSE(std::filesystem::is_symlink(archives));
     EXPECT_EQ(sizeOf(archives).bytes, before.bytes);
@@ -118,7 +122,8 @@ TEST_F(DemoMacTests, isScannedCleanedMovedToTheSsdAndBack) {
     EXPECT_TRUE(model().isScanning());
     waitForScan();
     const auto finds = [&](const std::string& path) {
-        return std::ranges::find(model().report()->items, path, &CleanupItem::path) != model().report()->items.end();
+        return std::ranges::find(model().report()->items, path, &CleanupItem::path) !=
+               model().report()->items.end();
     };
     EXPECT_TRUE(finds(archives));
     EXPECT_FALSE(finds("/Users/tester/Library/Developer/Xcode/DerivedData"));
