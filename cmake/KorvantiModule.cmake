@@ -23,12 +23,13 @@ function(korvanti_module name)
   endif()
 endfunction()
 
-# korvanti_tests(NAME SOURCES … DEPENDS … [BOX | BOX_ROOT] [TIMEOUT SECONDS])
+# korvanti_tests(NAME SOURCES … DEPENDS … [BOX [BESIDE PROGRAM] | BOX_ROOT] [TIMEOUT SECONDS])
 #
 # One test executable; every test in it is a test of ctest. With BOX each test runs inside the Mac in a box
-# and carries the label "box"; with BOX_ROOT as root there, who may mount.
+# and carries the label "box"; with BOX_ROOT as root there, who may mount. The program BESIDE a test
+# is run as root, and ends with it.
 function(korvanti_tests name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "BOX;BOX_ROOT" "TIMEOUT" "SOURCES;DEPENDS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "BOX;BOX_ROOT" "BESIDE;TIMEOUT" "SOURCES;DEPENDS")
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
@@ -43,6 +44,9 @@ function(korvanti_tests name)
     set(enter ${PROJECT_SOURCE_DIR}/tests/box/enter)
     if(arg_BOX_ROOT)
       list(APPEND enter --root)
+    endif()
+    if(arg_BESIDE)
+      list(APPEND enter --beside ${arg_BESIDE})
     endif()
     set_target_properties(${target} PROPERTIES CROSSCOMPILING_EMULATOR "${enter}")
     list(APPEND properties LABELS box SKIP_RETURN_CODE 77)

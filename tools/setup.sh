@@ -21,6 +21,9 @@ packages_for() {
     test)
       debian="libgtest-dev libgmock-dev util-linux locales git procps dbus-daemon xvfb xdotool"
       brew="googletest" ;;
+    demo)
+      debian="git util-linux"
+      brew="" ;;
     checks)
       debian="clang-16 libc++-16-dev libc++abi-16-dev libclang-rt-16-dev clang-tidy-16 clang-format-16"
       brew="llvm@16" ;;

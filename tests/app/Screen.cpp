@@ -37,6 +37,26 @@ std::uint32_t headerNumber(const std::string& dump, std::size_t index) {
     return number;
 }
 
+std::vector<std::string> serverCommand(const TempFolder& folder, int width, int height,
+                                       const std::vector<std::string>& options) {
+    std::vector<std::string> command = {"sh",
+                                        "-c",
+                                        R"(exec Xvfb "$@" 3>"$0")",
+                                        folder.path("display"),
+                                        "-displayfd",
+                                        "3",
+                                        "-screen",
+                                        "0",
+                                        std::to_string(width) + "x" + std::to_string(height) + "x24",
+                                        "-fbdir",
+                                        folder.path(),
+                                        "-nolisten",
+                                        "tcp",
+                                        "-noreset"};
+    command.insert(command.end(), options.begin(), options.end());
+    return command;
+}
+
 } // namespace
 
 BackgroundProgram::BackgroundProgram(const std::vector<std::string>& command,
@@ -72,6 +92,11 @@ std::optional<int> BackgroundProgram::ended() {
     return status_;
 }
 
+void BackgroundProgram::signal(int number) {
+    if (process_ >= 0 && !ended())
+        ::kill(process_, number);
+}
+
 std::uint32_t Picture::at(int x, int y) const {
     return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
                   static_cast<std::size_t>(x)];
@@ -101,11 +126,8 @@ std::optional<Point> Picture::findRow(std::uint32_t colour, int minimum,
     return std::nullopt;
 }
 
-Screen::Screen(int width, int height)
-    : server_({"sh", "-c", R"(exec Xvfb "$@" 3>"$0")", folder_.path("display"), "-displayfd", "3", "-screen",
-               "0", std::to_string(width) + "x" + std::to_string(height) + "x24", "-fbdir", folder_.path(),
-               "-nolisten", "tcp", "-noreset"},
-              {}) {
+Screen::Screen(int width, int height, const std::vector<std::string>& options)
+    : server_(serverCommand(folder_, width, height, options), {}) {
     // The server itself seeks a number that is free: its sockets are seen from outside of the box, too.
     const auto number = folder_.path("display");
     EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(number) && textOf(number).ends_with('\n'); }))
@@ -170,6 +192,10 @@ void Screen::click(Point point) const {
 
 void Screen::press(const std::string& key) const {
     input({"key", key});
+}
+
+void Screen::disconnect(const std::string& title) const {
+    input({"search", "--onlyvisible", "--name", title, "windowkill"});
 }
 
 void Screen::input(const std::vector<std::string>& words) const {

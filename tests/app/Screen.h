@@ -23,6 +23,8 @@ public:
 
     /// The exit status, once it has ended; that of a signal is negative.
     [[nodiscard]] std::optional<int> ended();
+    /// Sends it a signal, if it has not ended.
+    void signal(int number);
 
 private:
     pid_t process_ = -1;
@@ -54,12 +56,15 @@ private:
 /// A screen of its own (Xvfb) with real input events (xdotool).
 class Screen {
 public:
-    Screen(int width, int height);
+    /// `options` are the server's own.
+    Screen(int width, int height, const std::vector<std::string>& options = {});
 
     [[nodiscard]] std::map<std::string, std::string> environment() const; ///< for the programs shown on it
     [[nodiscard]] Picture picture() const;
     void click(Point point) const;
     void press(const std::string& key) const; ///< as xdotool names it
+    /// Takes the screen away from the program whose window has this title, as the end of a session does.
+    void disconnect(const std::string& title) const;
 
     /// Where `findRow` finds something as soon as the screen shows it, for a minute at the most.
     [[nodiscard]] std::optional<Point> waitForRow(std::uint32_t colour, int minimum,

@@ -293,6 +293,94 @@ TEST_P(BoxTests, laysToolsOverTheRootAtTheirOwnPaths) {
     EXPECT_FALSE(std::filesystem::exists("/usr/sbin/diskutil"));
 }
 
+TEST_P(BoxTests, hasAnEmptyFolderForWhatRuns) {
+    EXPECT_EQ(outputOf({"--root"}, "ls -A /run; echo x > /run/new; cat /run/new"), "x\n");
+    EXPECT_FALSE(std::filesystem::exists("/run/new"));
+}
+
+TEST_P(BoxTests, showsAsItIsWhatIsAskedFor) {
+    const TempFolder temp;
+    const auto file = temp.file("a folder/file", {.text = "text\n"});
+    temp.setMode("", 0755);
+    temp.setMode("a folder", 0777);
+    temp.setMode("a folder/file", 0666);
+
+    EXPECT_EQ(outputOf({"--show", file},
+                       "cat '" + file + "'; echo new > '" + file + "'; ls '" + temp.path("a folder") + "'",
+                       {.folder = "/"}),
+              "text\nfile\n");
+    EXPECT_EQ(textOf(file), "new\n");
+    EXPECT_EQ(outputOf({"--show", temp.path("a folder")}, "cat '" + file + "'", {.folder = "/"}), "new\n");
+}
+
+TEST_P(BoxTests, refusesToShowWhatIsNotThere) {
+    EXPECT_EQ(box({"--show", "/nowhere", "true"}).status, 2);
+    EXPECT_EQ(box({"--show", "relative", "true"}).status, 2);
+}
+
+/// With a program beside the command, in a folder that the box shows.
+class BesideTests : public BoxTests {
+protected:
+    void SetUp() override {
+        BoxTests::SetUp();
+        temp.setMode("", 0755);
+        temp.file("log");
+        temp.setMode("log", 0666);
+    }
+    [[nodiscard]] std::vector<std::string> beside(const std::string& script) const {
+        const auto program = temp.file("program", {.text = "#!/bin/sh\nset -eu\n" + script});
+        temp.setMode("program", 0755);
+        return {"--show", temp.path("log"), "--beside", program};
+    }
+    [[nodiscard]] ProgramOptions here() const { return {.folder = temp.path()}; }
+    [[nodiscard]] bool isLogged(const std::string& text) const {
+        for (int attempt = 0; attempt < 500; ++attempt) {
+            if (textOf(temp.path("log")).contains(text))
+                return true;
+            ::usleep(10'000);
+        }
+        return false;
+    }
+    const TempFolder temp;
+};
+
+INSTANTIATE_TEST_SUITE_P(StartedBy, BesideTests, ::testing::Values(Starter::root, Starter::ordinaryUser),
+                         [](const auto& starter) { return nameOf(starter.param); });
+
+TEST_P(BesideTests, whatItMountsStandsBeforeTheCommandStarts) {
+    EXPECT_EQ(
+        outputOf(beside("mkdir /Volumes/Stick; sleep 0.3; mount -t tmpfs -o mode=777 stick /Volumes/Stick\n"
+                        "echo text > /Volumes/Stick/file; echo ready; exec cat"),
+                 "cat /Volumes/Stick/file; umount /Volumes/Stick 2>/dev/null || id -u", here()),
+        "text\n1000\n");
+}
+
+TEST_P(BesideTests, itEndsWithTheCommand) {
+    const auto arguments =
+        beside("echo ready; exec >/dev/null; cat; echo ended >> '" + temp.path("log") + "'");
+
+    EXPECT_EQ(outputOf(arguments, "cat '" + temp.path("log") + "'", here()), "");
+    EXPECT_TRUE(isLogged("ended"));
+}
+
+TEST_P(BesideTests, itEndsWithACommandThatIsKilled) {
+    auto arguments = beside("echo ready; exec >/dev/null; cat; echo ended >> '" + temp.path("log") + "'");
+    arguments.insert(arguments.end(), {"sh", "-c", "kill -KILL $$"});
+
+    EXPECT_EQ(box(arguments, here()).status, -9);
+    EXPECT_TRUE(isLogged("ended"));
+}
+
+TEST_P(BesideTests, theCommandDoesNotStartWhereItFails) {
+    auto arguments = beside("exit 1");
+    arguments.insert(arguments.end(), {"echo", "started"});
+
+    const auto result = box(arguments, here());
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(box({"--beside", temp.path("log"), "true"}).status, 2) << "it is no program";
+}
+
 TEST_P(BoxTests, listsTestsWithoutABox) {
     const auto result =
         box({"sh", "-c", "echo $HOME", "sh", "--gtest_list_tests"}, {.environment = {{"HOME", "/outside"}}});

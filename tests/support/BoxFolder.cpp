@@ -1,6 +1,7 @@
 #include "support/BoxFolder.h"
 
-#include <algorithm>
+#include "support/BoxAnswers.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -23,26 +24,18 @@ std::string emptied(const std::string& path) {
     return path;
 }
 
-std::string answerFile(std::string call) {
-    std::ranges::replace(call, '/', '%');
-    return call;
-}
-
 } // namespace
 
 BoxMac::BoxMac() {
     std::ofstream(callLog, std::ios::trunc);
 }
 
-void BoxMac::answer(const std::string& call, const std::string& text, int status) const {
-    answers.file(answerFile(call), {.text = text});
-    if (status != 0)
-        answers.file(answerFile(call) + ".status", {.text = std::to_string(status)});
+void BoxMac::answer(const std::string& call, const std::string& text, int status) {
+    BoxAnswers::say(call, text, status);
 }
 
-void BoxMac::answerWithScript(const std::string& call, const std::string& script) const {
-    answers.file(answerFile(call), {.text = "#!/bin/sh\n" + script + "\n"});
-    answers.setMode(answerFile(call), 0755);
+void BoxMac::answerWithScript(const std::string& call, const std::string& script) {
+    BoxAnswers::run(call, script);
 }
 
 std::vector<std::string> BoxMac::calls() {

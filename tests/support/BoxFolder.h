@@ -29,12 +29,9 @@ struct BoxMac {
     /// The privacy database can be opened from now on.
     void grantFullDiskAccess() const;
 
-    /// What a stand-in ("diskutil", "xcrun", "xcode-select", "tmutil", "ps", "pgrep", "pkill") says when it
-    /// is called with just these arguments, one blank between them. One without an answer fails; "defaults"
-    /// then does its own work.
-    void answer(const std::string& call, const std::string& text, int status = 0) const;
-    /// The same as a shell script that is run in its place.
-    void answerWithScript(const std::string& call, const std::string& script) const;
+    /// What a stand-in says from now on, see `BoxAnswers`.
+    static void answer(const std::string& call, const std::string& text, int status = 0);
+    static void answerWithScript(const std::string& call, const std::string& script);
     /// The calls of all stand-ins since the start of this test: name and arguments.
     [[nodiscard]] static std::vector<std::string> calls();
 };

@@ -1,4 +1,4 @@
-#include "LivedInMacContents.h"
+#include "sample/LivedInMacContents.h"
 
 namespace korvanti::testing::LivedIn {
 namespace {
