@@ -54,7 +54,7 @@ NSData* pngOf(NSImage* picture, int pixels) {
               operation:NSCompositingOperationCopy
                fraction:1];
     [NSGraphicsContext restoreGraphicsState];
-    return [canvas representationUsingType:NSBitmapImageFileTypePNG properties:@{}];
+    return [canvas representationUsingType:NSBitmapImageFileTypePNG properties:[NSDictionary dictionary]];
 }
 
 class MacDesktop : public Desktop {
