@@ -9,7 +9,7 @@ ScrollPane {
 
     required property SettingsModel model
 
-    readonly property int inset: 12
+    readonly property int inset: 13
 
     topGap: 18
     margin: 24
