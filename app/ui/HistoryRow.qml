@@ -98,7 +98,7 @@ Item {
         BrandText {
             id: messageText
             objectName: "message"
-            y: pathText.y + pathText.height + 1
+            y: pathText.y + pathText.height + 2
             visible: root.message !== ""
             width: parent.width
             style: BrandText.Caption

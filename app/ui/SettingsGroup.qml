@@ -17,22 +17,20 @@ Column {
         font.weight: Font.DemiBold
         text: root.title
         wrapMode: Text.Wrap
-        bottomPadding: 6 - type.lead
+        bottomPadding: 7 - type.lead
         Accessible.role: Accessible.Heading
         Accessible.name: text
     }
     Rectangle {
         width: parent.width
-        height: column.height + 2
+        height: column.height
         radius: 10
         color: Brand.card
         border.width: 1
         border.color: Brand.cardBorder
         Column {
             id: column
-            x: 1
-            y: 1
-            width: parent.width - 2
+            width: parent.width
         }
     }
     BrandText {
@@ -44,7 +42,8 @@ Column {
         color: Brand.warnText
         text: root.warning
         wrapMode: Text.Wrap
-        topPadding: 6 + type.lead
+        topPadding: 5 + type.lead
+        bottomPadding: -type.lead
         Accessible.role: Accessible.AlertMessage
         Accessible.name: text
     }
@@ -55,6 +54,7 @@ Column {
         style: BrandText.Caption
         text: root.footer
         wrapMode: Text.Wrap
-        topPadding: 6 + type.lead
+        topPadding: 5 + type.lead
+        bottomPadding: -type.lead
     }
 }

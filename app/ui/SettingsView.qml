@@ -9,16 +9,16 @@ ScrollPane {
 
     required property SettingsModel model
 
-    readonly property int inset: 12
+    readonly property int inset: 13
 
-    topGap: 20
+    topGap: 18
     margin: 24
-    spacing: 18
+    spacing: 16
     onVisibleChanged: if (root.visible) root.model.opened()
 
     component Line: Rectangle {
         x: root.inset
-        width: parent.width - x
+        width: parent.width - x - 1
         height: 1
         color: Brand.separator
     }
@@ -184,6 +184,7 @@ ScrollPane {
         title: "Tambah folder…"
         parentWindow: root.Window.window
         acceptLabel: "Tambahkan"
+        rejectLabel: "Batal"
         onAccepted: root.model.addFolderUrls([dialog.selectedFolder])
     }
 }

@@ -51,6 +51,7 @@ constexpr std::array drawings = {
     SymbolDrawing{.name = "magnifyingglass", .icon = "magnifying-glass"},
     SymbolDrawing{.name = "arrow.clockwise", .icon = "arrow-clockwise"},
     SymbolDrawing{.name = "clock", .icon = "clock"},
+    SymbolDrawing{.name = "folder", .icon = "folder"},
     // Drives and memory.
     SymbolDrawing{.name = "internaldrive", .icon = "hard-drives"},
     SymbolDrawing{.name = "externaldrive.fill.badge.exclamationmark",

@@ -59,6 +59,7 @@ const Row rows[] = {
     {"externaldrive.badge.questionmark", "hard-drive", "question"},
     {"internaldrive", "hard-drives"},
     {"clock", "clock"},
+    {"folder", "folder"},
     {"minus.circle", "minus-circle"},
     {"clock.arrow.circlepath", "clock-counter-clockwise"},
     {"clock.arrow.circlepath.fill", "clock-counter-clockwise-fill"},
