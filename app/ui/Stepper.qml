@@ -37,6 +37,7 @@ Item {
         id: half
 
         required property string symbol
+        required property string about
 
         width: parent.width / 2
         height: parent.height
@@ -44,7 +45,7 @@ Item {
         autoRepeat: true
         Accessible.role: Accessible.Button
         Accessible.name: half.text
-        Accessible.description: root.label
+        Accessible.description: half.about
         Accessible.onPressAction: half.clicked()
         background: Rectangle {
             anchors { fill: parent; margins: 1 }
@@ -75,6 +76,7 @@ Item {
         objectName: "lower"
         text: "Kurangi"
         symbol: "minus"
+        about: root.label
         enabled: root.setting.canLower
         onClicked: root.setting.lower()
     }
@@ -89,6 +91,7 @@ Item {
         x: parent.width - width
         text: "Tambah"
         symbol: "plus"
+        about: root.label
         enabled: root.setting.canRaise
         onClicked: root.setting.raise()
     }

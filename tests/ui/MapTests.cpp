@@ -3,6 +3,7 @@
 #include "analysis/StorageMapper.h"
 #include "base/Json.h"
 #include "settings/AppPaths.h"
+#include "support/BeforeCall.h"
 #include "support/Environment.h"
 
 #include <QAbstractItemModelTester>
@@ -14,6 +15,7 @@
 #include <QTest>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <latch>
 #include <limits>
 #include <string>
 #include <utility>
@@ -375,11 +377,14 @@ TEST_F(MapViewTests, withoutAMapThePaneSaysWhatItIsFor) {
 
 TEST_F(MapViewTests, whileItMapsTheButtonRestsAndTheStatusIsTold) {
     mac.home.file("Documents/large", {.allocatedBytes = 1 << 20});
+    std::latch released{1};
+    const BeforeCall gate(Call::openAt, "Documents", [&] { released.wait(); });
     openPane();
     click("generateButton");
     EXPECT_TRUE(model().isMapping());
     EXPECT_FALSE(item("generateButton").isEnabled());
     EXPECT_TRUE(find("mapStatus"));
+    released.count_down();
     ASSERT_TRUE(waitFor([&] { return !model().isMapping(); }));
     settle();
     EXPECT_EQ(text("generateButton"), "Petakan ulang");
