@@ -25,7 +25,7 @@ Rectangle {
     BrandText {
         anchors.left: mark.right
         anchors.leftMargin: 10
-        anchors.right: settingsButton.visible ? settingsButton.left : parent.right
+        anchors.right: settingsButton.left
         anchors.rightMargin: 10
         anchors.verticalCenter: mark.verticalCenter
         text: "Korvanti"
@@ -38,7 +38,6 @@ Rectangle {
         anchors.right: parent.right
         anchors.rightMargin: 11
         anchors.verticalCenter: mark.verticalCenter
-        visible: Qt.platform.os !== "osx"
         symbol: "gearshape.fill"
         symbolSize: 16
         hint: "Pengaturan"
