@@ -32,7 +32,7 @@ Rectangle {
         style: BrandText.BrandName
         elide: Text.ElideRight
     }
-    IconButton { // a Mac has its menu bar for that
+    IconButton {
         id: settingsButton
         objectName: "settingsButton"
         anchors.right: parent.right
