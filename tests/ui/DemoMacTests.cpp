@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <iterator>
 #include <string>
 
 /// The window over the Mac of ./demo, with its disks: a whole visit by mouse and keyboard. One test, as that
@@ -44,12 +45,21 @@ protected:
                           place("row:" + QString::fromStdString(path)).center().toPoint());
         settle(200);
     }
-    /// What the button of the pane with external disks does for a folder that lies there.
+    /// By the menu of a folder's row in the pane of the disks, which is made high enough to hold all rows.
     void bringBack(const std::string& originalPath) {
         const auto& records = model().offloads();
         const auto record = std::ranges::find(records, originalPath, &OffloadRecord::originalPath);
         ASSERT_NE(record, records.end());
-        model().restore(OffloadRecord(*record));
+        resize(1140, 2400);
+        click("pane4");
+        settle(200);
+        const auto* const button = item(QString("moved%1").arg(std::distance(records.begin(), record)))
+                                       .findChild<QQuickItem*>("movedActions");
+        ASSERT_NE(button, nullptr);
+        const QPointF middle(button->width() / 2, button->height() / 2);
+        QTest::mouseClick(&window(), Qt::LeftButton, Qt::NoModifier, button->mapToScene(middle).toPoint());
+        settle(200);
+        click("restoreEntry");
     }
     static SizeResult sizeOf(const std::string& path) { return SizeCalculator::measure(path); }
     static std::string simulators() {
