@@ -40,7 +40,7 @@ TEST(AppFilterTests, theFiltersAreTheseInThisOrder) {
 }
 
 /// Which filters show an application.
-struct Row {
+struct AppRow {
     AppRole role;
     bool isSuggested;
     std::optional<std::int64_t> daysUnused;
@@ -50,7 +50,7 @@ struct Row {
 
 TEST(AppFilterTests, eachKindOfApplicationIsShownByItsFilters) {
     using enum AppFilter;
-    const Row rows[] = {
+    const AppRow rows[] = {
         {AppRole::work, false, 3, 5, {largest, all}},
         {AppRole::work, true, 3, 5, {suggested, largest, all}},
         {AppRole::communication, false, 200, 5, {rarelyUsed, largest, all}},
