@@ -1,9 +1,11 @@
 #pragma once
 
 #include "UiSupport.h"
+#include "base/ByteText.h"
 #include "base/Instant.h"
 
 #include <QAbstractItemModel>
+#include <QString>
 #include <QVariant>
 #include <cstdint>
 #include <gtest/gtest.h>
@@ -13,6 +15,11 @@
 #include <vector>
 
 namespace korvanti::testing {
+
+/// What the sheet's button says.
+inline QString moveText(std::int64_t bytes) {
+    return QString::fromStdString("Pindahkan ke Tong Sampah · " + bytesText(bytes));
+}
 
 /// Applications that are really there, over the real core in the box. They count as used when their data
 /// changed, as the system here remembers nothing of them.

@@ -27,10 +27,6 @@ QString removeOf(const std::string& name) {
     return QString::fromStdString("remove:/Applications/" + name + ".app");
 }
 
-QString moveText(std::int64_t bytes) {
-    return QString::fromStdString("Pindahkan ke Tong Sampah · " + bytesText(bytes));
-}
-
 /// The pane and its sheet over the real core in the box.
 class AppsViewTests : public AppsFixture {
 protected:

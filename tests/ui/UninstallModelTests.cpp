@@ -19,10 +19,6 @@ using ::testing::IsEmpty;
 using ::testing::Optional;
 using ::testing::SizeIs;
 
-QString moveText(std::int64_t bytes) {
-    return QString::fromStdString("Pindahkan ke Tong Sampah · " + bytesText(bytes));
-}
-
 class UninstallModelTests : public AppsFixture {
 protected:
     UninstallModel& sheet() {
