@@ -39,6 +39,7 @@ public:
     void awaitEnd() { model_.awaitEnd(); }
 
     [[nodiscard]] AppModel& model() { return model_; }
+    [[nodiscard]] FrameModel& frame() { return panes_.frame; }
     [[nodiscard]] QQuickWindow* window() { return window_.get(); }
     [[nodiscard]] QQuickWindow* panel() { return panel_.get(); }
     [[nodiscard]] QQuickWindow* settingsWindow() { return settingsWindow_.get(); }

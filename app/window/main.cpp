@@ -1,5 +1,6 @@
 #include "platform/Platform.h"
 #include "start/ProcessStart.h"
+#include "window/CommandMenu.h"
 #include "window/KorvantiApp.h"
 
 #include <QApplication>
@@ -37,6 +38,7 @@ int main(int argc, char** argv) {
     QApplication::setWindowIcon(icon);
 
     korvanti::KorvantiApp app(korvanti::systemDesktop(korvanti::Platform::homeFolder()));
+    const korvanti::CommandMenu menu(app.frame());
     // Not `quit`, which asks first.
     QObject::connect(&app, &korvanti::KorvantiApp::finished, [] { QApplication::exit(0); });
     if (!app.open())

@@ -58,8 +58,7 @@ int main(int argc, char** argv) {
     QQmlEngine engine;
     prepareForUi(engine);
     QQmlComponent component(&engine, QUrl("qrc:/qt/qml/Korvanti/Ui/AppWindow.qml"));
-    const std::unique_ptr<QObject> root(
-        component.createWithInitialProperties(panes.properties());
+    const std::unique_ptr<QObject> root(component.createWithInitialProperties(panes.properties()));
     auto* const window = qobject_cast<QQuickWindow*>(root.get());
     if (window)
         window->show();
@@ -70,8 +69,7 @@ int main(int argc, char** argv) {
     QTest::qWait(500);
 
     int painted = 0;
-    QObject::connect(window, &QQuickWindow::frameSwapped, window, [&] {
-        ++painted; });
+    QObject::connect(window, &QQuickWindow::frameSwapped, window, [&] { ++painted; });
     const auto untilPainted = [&](const auto& act) {
         const int before = painted;
         QElapsedTimer timer;
@@ -84,15 +82,13 @@ int main(int argc, char** argv) {
 
     qint64 reset = 0;
     for (const auto filter : {ItemFilter::all, ItemFilter::deletable, ItemFilter::all})
-        reset = std::max(reset, untilPainted([&] {
-        model.setFilter(filter); }));
+        reset = std::max(reset, untilPainted([&] { model.setFilter(filter); }));
     std::printf("resetMicroseconds %lld\n", static_cast<long long>(reset));
 
     QTest::keyClick(window, Qt::Key_F, Qt::ControlModifier);
     qint64 keystroke = 0;
     for (const char key : {'p', 'r', 'o', 'y', 'e', 'k', '-', '7'})
-        keystroke = std::max(keystroke, untilPainted([&] {
-        QTest::keyClick(window, key); }));
+        keystroke = std::max(keystroke, untilPainted([&] { QTest::keyClick(window, key); }));
     if (model.search() != "proyek-7") {
         std::fprintf(stderr, "the search holds %s\n", model.search().c_str());
         return 1;
