@@ -12,6 +12,7 @@ korvanti_compile_apart(core/fs core/fs/WalkPool.cpp)
 if(NOT APPLE)
   korvanti_compile_apart(core/platform core/platform/linux/Volumes.cpp)
 endif()
+korvanti_compile_apart(tests/bench tests/bench/TreeMaker.cpp)
 set(apart korvanti_providers korvanti_scan) # the latter for the same reason
 if(BUILD_TESTING)
   korvanti_compile_apart(core/drives tests/drives/OffloadErrorTests.cpp)
