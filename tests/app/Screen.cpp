@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -27,6 +28,17 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
         pointers.push_back(text.data());
     pointers.push_back(nullptr);
     return pointers;
+}
+
+/// The same to the eye: an animation may end a shade before its end.
+bool isLike(std::uint32_t one, std::uint32_t other) {
+    for (const unsigned shift : {0U, 8U, 16U}) {
+        const auto difference =
+            static_cast<int>(one >> shift & 0xFFU) - static_cast<int>(other >> shift & 0xFFU);
+        if (std::abs(difference) > 2)
+            return false;
+    }
+    return true;
 }
 
 /// A number of the header of an X window dump, which is big-endian.
@@ -105,7 +117,7 @@ std::uint32_t Picture::at(int x, int y) const {
 bool Picture::hasNear(int x, int y, std::uint32_t colour) const {
     constexpr int softEdge = 3; // pixels in which one colour runs into the other
     for (int other = std::max(x - softEdge, 0); other < std::min(x + softEdge, width); ++other) {
-        if (at(other, y) == colour)
+        if (isLike(at(other, y), colour))
             return true;
     }
     return false;
@@ -116,7 +128,7 @@ std::optional<Point> Picture::findRow(std::uint32_t colour, int minimum,
     for (int y = 0; y < height; ++y) {
         int start = 0;
         for (int x = 0; x <= width; ++x) {
-            if (x < width && at(x, y) == colour)
+            if (x < width && isLike(at(x, y), colour))
                 continue;
             if (x - start >= minimum && (!beside || hasNear(start, y, *beside) || hasNear(x, y, *beside)))
                 return Point{.x = (start + x) / 2, .y = y};

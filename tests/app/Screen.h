@@ -44,7 +44,7 @@ struct Picture {
 
     [[nodiscard]] std::uint32_t at(int x, int y) const;
     bool operator==(const Picture&) const = default;
-    /// The middle of the first row of `minimum` or more pixels of just this colour that `beside` borders on
+    /// The middle of the first row of `minimum` or more pixels of this colour that `beside` borders on
     /// at an end, sought from the top.
     [[nodiscard]] std::optional<Point> findRow(std::uint32_t colour, int minimum,
                                                std::optional<std::uint32_t> beside = std::nullopt) const;
