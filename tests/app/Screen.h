@@ -78,8 +78,8 @@ private:
     void input(const std::vector<std::string>& words) const;
 
     TempFolder folder_;
-    BackgroundProgram server_;
     std::string display_;
+    BackgroundProgram server_;
 };
 
 } // namespace korvanti::testing
