@@ -226,6 +226,8 @@ void AppModel::scan() {
         },
         [this, relay](ScanReport report) {
             relay->end();
+            const auto gone = std::exchange(goneWhileScanning_, {});
+            std::erase_if(report.items, [&](const auto& item) { return gone.contains(item.id()); });
             change(report_, std::optional(std::move(report)), &AppModel::reportChanged);
             selectRecommended();
             change(isScanning_, false, &AppModel::isScanningChanged);
@@ -254,6 +256,8 @@ void AppModel::toggle(const CleanupItem& item) {
 }
 
 void AppModel::requestCleanup(const std::vector<CleanupItem>& items) {
+    if (isCleaning_ || isEnding_)
+        return;
     std::vector<CleanupItem> kept;
     std::ranges::copy_if(items, std::back_inserter(kept), &CleanupItem::isSelectable);
     if (kept.empty())
@@ -269,6 +273,10 @@ void AppModel::confirmCleanup() {
     };
     if (!pendingCleanup_ || isCleaning_ || isEnding_)
         return;
+    // Emptied last, the Trash would take with it what the same cleanup has just put there.
+    auto ordered = *pendingCleanup_;
+    std::ranges::stable_partition(
+        ordered, [](const auto& item) { return item.action.kind == CleanupAction::Kind::emptyTrash; });
     change(isCleaning_, true, &AppModel::isCleaningChanged);
     change(cleanProgress_, 0.0, &AppModel::cleanProgressChanged);
     const auto relay = std::make_shared<ProgressRelay<Step>>(*this, [this](const Step& step) {
@@ -276,7 +284,7 @@ void AppModel::confirmCleanup() {
         change(cleanCurrent_, step.title, &AppModel::cleanCurrentChanged);
     });
     background_.start(
-        [cleaner = Cleaner(home_, log()), items = *pendingCleanup_, relay, shouldStop = shouldStop_] {
+        [cleaner = Cleaner(home_, log()), items = std::move(ordered), relay, shouldStop = shouldStop_] {
             return cleaner.run(
                 items,
                 [&](std::size_t done, std::size_t total, const std::string& title) {
@@ -298,7 +306,10 @@ void AppModel::retryApplications(Outcomes outcomes, std::size_t next) {
         if (outcome.success || !path.ends_with(".app"))
             continue;
         if (const auto verdict = guardrail.validate(path, {.allowApplicationBundle = true}); !verdict) {
-            outcome.message = "Tidak bisa dihapus: " + verdict.error().description();
+            const auto reason = verdict.error().description();
+            // What the cleaner has moved is not there either, but then it told which data stayed.
+            if (PathTools::exists(path) || outcome.message == reason)
+                outcome.message = "Tidak bisa dihapus: " + reason;
             continue;
         }
         desktop_->recycle(
@@ -326,6 +337,14 @@ void AppModel::finishRecycling(CleanupOutcome& outcome, const Desktop::Result& r
     outcome.success = Cleaner(home_, log()).processRelated(outcome.item, trash).empty();
     outcome.message =
         outcome.success ? "Dipindah ke Tong Sampah lewat Finder" : "App terhapus; sebagian data dilewati";
+    // Behind the entry of the cleaner, by which it has failed.
+    log().append({.date = currentInstant(),
+                  .kind = std::string(outcome.item.action.verb()),
+                  .title = outcome.item.title,
+                  .path = outcome.item.path,
+                  .bytes = outcome.freedBytes,
+                  .success = outcome.success,
+                  .message = outcome.message});
 }
 
 void AppModel::finishCleanup(Outcomes outcomes) {
@@ -338,8 +357,10 @@ void AppModel::finishCleanup(Outcomes outcomes) {
     }
     change(outcomes_, std::move(outcomes), &AppModel::outcomesChanged);
     change(isCleaning_, false, &AppModel::isCleaningChanged);
-    if (hasApplications)
+    if (hasApplications) {
+        appsStale_ = appsLoading_; // the list being made may hold what has just gone
         loadApps();
+    }
     removeFromReport(cleaned);
     saveReport();
     refreshDisk();
@@ -348,6 +369,8 @@ void AppModel::finishCleanup(Outcomes outcomes) {
 }
 
 void AppModel::removeFromReport(const std::set<std::string>& ids) {
+    if (isScanning_)
+        goneWhileScanning_.insert(ids.begin(), ids.end());
     const auto isGone = [&](const auto& id) { return ids.contains(id); };
     const auto items =
         report_ ? std::erase_if(report_->items, [&](const auto& item) { return isGone(item.id()); }) : 0;
@@ -411,6 +434,8 @@ void AppModel::loadApps() {
         [this](std::vector<InstalledApp> apps) {
             change(apps_, std::move(apps), &AppModel::appsChanged);
             change(appsLoading_, false, &AppModel::appsLoadingChanged);
+            if (std::exchange(appsStale_, false))
+                loadApps();
         });
 }
 

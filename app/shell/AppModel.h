@@ -236,6 +236,8 @@ private:
     std::string mapStatus_;
 
     int moves_ = 0; ///< to a volume and back, under way
+    std::set<std::string> goneWhileScanning_; ///< ids of items that the scan may have seen before
+    bool appsStale_ = false;                  ///< an application went while the list was made
     bool isEnding_ = false;
     bool endIsTold_ = false;
     std::shared_ptr<std::atomic<bool>> shouldStop_ = std::make_shared<std::atomic<bool>>(); ///< the cleanup

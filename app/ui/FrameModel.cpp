@@ -197,6 +197,8 @@ void FrameModel::openOverview() {
 void FrameModel::cleanRecommended() {
     model_.setPane(Pane::cleanup);
     emit windowRequested();
+    if (model_.isCleaning()) // its sheet is what the window shows
+        return;
     model_.setFilter(ItemFilter::recommended);
     model_.selectRecommended();
     model_.requestCleanup(model_.selectedItems());

@@ -62,10 +62,11 @@ void MapTree::setMap(const StorageMap* map) {
                    : std::max(1.0, static_cast<double>(map->roots.front().bytes));
     const auto kept = std::min(rows_.size(), rows.size());
     std::copy_n(rows.begin(), kept, rows_.begin());
+    // The old map may be gone already, and who hears of a change may ask for any row.
+    std::fill(rows_.begin() + static_cast<std::ptrdiff_t>(kept), rows_.end(), Row{.node = &gone});
     if (kept > 0)
         emit dataChanged(index(0), index(static_cast<int>(kept) - 1));
     if (rows_.size() > kept) {
-        std::fill(rows_.begin() + static_cast<std::ptrdiff_t>(kept), rows_.end(), Row{.node = &gone});
         beginRemoveRows({}, static_cast<int>(kept), rowCount() - 1);
         rows_.resize(kept);
         endRemoveRows();

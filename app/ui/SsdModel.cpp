@@ -244,8 +244,13 @@ void SsdModel::relocate() {
 }
 
 void SsdModel::revertRelocation() {
-    if (canRevert())
-        model_.revertRelocation(chosen_);
+    if (!canRevert())
+        return;
+    auto caches = chosen_;
+    if (caches.empty()) // then all that are away
+        for (const auto& [cache, target] : model_.relocationTargets())
+            caches.insert(cache);
+    model_.revertRelocation(caches);
 }
 
 // What was moved

@@ -21,10 +21,15 @@ using namespace korvanti::testing;
 using ::testing::Contains;
 using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::Field;
 using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::Optional;
 using ::testing::SizeIs;
 using ::testing::UnorderedElementsAre;
 
+/// What a stand-in does to wait for `answers.file("go")`.
+const std::string untilTold = "while [ ! -e /box/answers/go ]; do sleep 0.02; done";
 const std::string xcodeLocation = "defaults read com.apple.dt.Xcode IDECustomDerivedDataLocation";
 
 class AppModelTests : public ModelFixture {};
@@ -91,6 +96,27 @@ TEST_F(AppModelTests, noLateWordOfAScanStandsBehindItsEnd) {
     QSignalSpy lines(&model(), &AppModel::scanStatusChanged);
     EXPECT_FALSE(lines.wait(200));
     EXPECT_EQ(model().scanStatus(), "");
+}
+
+TEST_F(AppModelTests, whatWasCleanedDuringAScanDoesNotComeBackByIt) {
+    const auto cleaned = home("Library/Developer/Xcode/DerivedData");
+    mac.home.file("Library/Developer/Xcode/DerivedData/App/file", {.allocatedBytes = 60'000'000});
+    mac.home.file(".gradle/caches/modules-2/file", {.allocatedBytes = 60'000'000});
+    mac.answerWithScript("diskutil info -plist /", untilTold);
+    model().scan();
+    ASSERT_TRUE(waitFor([&] { return model().scanStatus() == "Membaca kondisi disk…"; }));
+    clean({item(cleaned)});
+    ASSERT_TRUE(model().outcomes().front().success);
+    mac.answers.file("go");
+    ASSERT_TRUE(waitFor([&] { return !model().isScanning(); }));
+    EXPECT_THAT(model().report()->items, Not(IsEmpty()));
+    EXPECT_THAT(savedPaths(), Not(Contains(cleaned)));
+    EXPECT_EQ(savedPaths(), pathsOf(model().report()->items));
+
+    mac.home.file("Library/Developer/Xcode/DerivedData/App/file", {.allocatedBytes = 60'000'000});
+    model().scan();
+    ASSERT_TRUE(waitFor([&] { return !model().isScanning(); }));
+    EXPECT_THAT(savedPaths(), Contains(cleaned)) << "made again since";
 }
 
 // Selection and filters
@@ -274,18 +300,44 @@ TEST_F(AppModelTests, applicationsAreListedAnewWhenOneWasCleaned) {
     EXPECT_THAT(model().apps(), IsEmpty());
 }
 
+TEST_F(AppModelTests, anApplicationThatGoesWhileTheyAreListedLeavesTheList) {
+    mac.installApplication("Tool", "org.example.tool");
+    auto application = item("/Applications/Tool.app", Safety::review, CleanupAction::trash());
+    application.category = ItemCategory::apps;
+    mac.answerWithScript("ps -axo comm=", untilTold); // asked when the bundles have been found
+    model().loadApps();
+    ASSERT_TRUE(waitFor([&] { return std::ranges::count(BoxMac::calls(), "ps -axo comm=") > 0; }));
+    clean({application});
+    ASSERT_TRUE(model().outcomes().front().success);
+    ASSERT_TRUE(model().appsLoading());
+    mac.answers.file("go");
+    ASSERT_TRUE(waitFor([&] { return !model().appsLoading(); }));
+    EXPECT_THAT(model().apps(), IsEmpty());
+}
+
 TEST_F(AppModelTests, aCleanupGoesByTheListThatWasConfirmed) {
-    mac.answerWithScript("pkill -f GradleDaemon", "while [ ! -e /box/answers/go ]; do sleep 0.02; done");
+    mac.answerWithScript("pkill -f GradleDaemon", untilTold);
     const auto confirmed = folderItem(".gradle/caches/x");
     const auto other = folderItem("Library/Caches/x");
     model().requestCleanup({confirmed});
     model().confirmCleanup();
     model().requestCleanup({other});
+    EXPECT_THAT(model().pendingCleanup(), Optional(ElementsAre(confirmed)));
     mac.answers.file("go");
     ASSERT_TRUE(waitFor([&] { return !model().isCleaning(); }));
     ASSERT_THAT(model().outcomes(), SizeIs(1));
     EXPECT_EQ(model().outcomes().front().item, confirmed);
     EXPECT_TRUE(std::filesystem::exists(other.path));
+}
+
+TEST_F(AppModelTests, theTrashIsEmptiedBeforeAnythingIsPutThere) {
+    mac.home.file(".Trash/old", {.text = "12345"});
+    const auto kept = folderItem("Movies/export", Safety::review, CleanupAction::trash());
+    const auto trash = item(home(".Trash"), Safety::review, CleanupAction::emptyTrash());
+    clean({kept, trash});
+    EXPECT_THAT(model().outcomes(), Each(Field(&CleanupOutcome::success, true)));
+    EXPECT_EQ(textOf(home(".Trash/export/file")), "12345");
+    EXPECT_FALSE(std::filesystem::exists(home(".Trash/old")));
 }
 
 TEST_F(AppModelTests, whatFailsStaysEverywhereAndIsNotTriedAgain) {
@@ -348,6 +400,27 @@ TEST_F(ApplicationRetryTests, theFileManagerMovesWhatTheCleanerCouldNot) {
     EXPECT_EQ(outcome.message, "Dipindah ke Tong Sampah lewat Finder");
     EXPECT_THAT(desktop.recycled, ElementsAre("/Applications/Tool.app"));
     EXPECT_THAT(model().report()->items, IsEmpty());
+    ASSERT_THAT(model().activity(), SizeIs(2));
+    EXPECT_TRUE(model().activity()[0].success);
+    EXPECT_EQ(model().activity()[0].message, outcome.message);
+    EXPECT_EQ(model().activity()[0].path, "/Applications/Tool.app");
+    EXPECT_FALSE(model().activity()[1].success) << "what the cleaner ran into";
+}
+
+TEST_F(ApplicationRetryTests, whatTheCleanerMovedIsNotLookedForAgain) {
+    mac.installApplication("Tool", "org.example.tool");
+    auto application = item("/Applications/Tool.app", Safety::review, CleanupAction::trash());
+    application.relatedPaths = {folderItem(".ssh/org.example.tool").path};
+    const auto outcome = outcomeOf(application);
+    EXPECT_FALSE(outcome.success);
+    EXPECT_EQ(outcome.message, "Sebagian dilewati: org.example.tool");
+    EXPECT_FALSE(std::filesystem::exists("/Applications/Tool.app"));
+    EXPECT_THAT(desktop.recycled, IsEmpty());
+}
+
+TEST_F(ApplicationRetryTests, whatWasGoneBeforeIsRefused) {
+    const auto outcome = outcomeOf(item("/Applications/Tool.app", Safety::review, CleanupAction::trash()));
+    EXPECT_EQ(outcome.message, "Tidak bisa dihapus: Sudah tidak ada: /Applications/Tool.app");
 }
 
 TEST_F(ApplicationRetryTests, itsRefusalIsToldInItsWords) {
@@ -596,7 +669,7 @@ TEST_F(AppModelTests, aSpeedTestWhereNothingCanBeWrittenIsAFailure) {
 
 TEST_F(AppModelTests, mountsThatComeTogetherAreLookedAtOnceMore) {
     mac.answerWithScript("defaults read com.apple.dt.Xcode IDECustomDerivedDataLocation",
-                         "while [ ! -e /box/answers/go ]; do sleep 0.02; done; echo /Volumes/X");
+                         untilTold + "; echo /Volumes/X");
     model();
     for (int i = 0; i < 10; ++i)
         desktop.mountsChanged();

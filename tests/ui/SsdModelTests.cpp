@@ -277,6 +277,22 @@ TEST_F(SsdModelTests, cachesArePointedAtTheWorkVolumeAndBack) {
     EXPECT_THAT(textOf(mac.home.path(".zshenv")), Not(HasSubstr("npm_config_cache")));
 }
 
+TEST_F(SsdModelTests, allCachesComeBackWhenNoneIsChosen) {
+    plug("Kerja", {.uuid = "aa-1"});
+    pane();
+    ASSERT_TRUE(sees(1));
+    pane().toggleCache(1);
+    pane().toggleCache(2);
+    pane().relocate();
+    ASSERT_TRUE(waitFor([&] { return pane().canRevert(); }));
+    pane().toggleCache(1);
+    pane().toggleCache(2);
+    pane().revertRelocation();
+    ASSERT_TRUE(waitFor([&] { return !pane().canRevert(); }));
+    EXPECT_THAT(column(pane().caches(), "targetText"), ElementsAre("", "", ""));
+    EXPECT_THAT(textOf(mac.home.path(".zshenv")), Not(HasSubstr("/Volumes/Kerja")));
+}
+
 TEST_F(SsdModelTests, aWorkVolumeOfAnotherFormatTakesNoCachesButGivesThemBack) {
     plug("Kerja", {.uuid = "aa-1"});
     pane();
