@@ -259,11 +259,30 @@ void AppModel::requestCleanup(const std::vector<CleanupItem>& items) {
     if (isCleaning_ || isEnding_)
         return;
     std::vector<CleanupItem> kept;
-    std::ranges::copy_if(items, std::back_inserter(kept), &CleanupItem::isSelectable);
+    for (const auto& item : items) {
+        if (isMoving(item))
+            fail(item.title + " sedang dipindah ke SSD.");
+        else if (hasMoved(item))
+            fail(item.title + " sudah dipindah ke SSD.");
+        else if (item.isSelectable())
+            kept.push_back(item);
+    }
     if (kept.empty())
         return;
     change(outcomes_, {}, &AppModel::outcomesChanged);
     change(pendingCleanup_, std::optional(std::move(kept)), &AppModel::pendingCleanupChanged);
+}
+
+bool AppModel::isMoving(const CleanupItem& item) const {
+    return std::ranges::any_of(leaving_, [&](const std::string& path) {
+        return PathTools::isSameOrAncestor(path, item.path) || PathTools::isSameOrAncestor(item.path, path);
+    });
+}
+
+bool AppModel::hasMoved(const CleanupItem& item) const {
+    return std::ranges::any_of(offloads_, [&](const OffloadRecord& record) {
+        return record.symlinked && record.originalPath == item.path && PathTools::isSymlink(item.path);
+    });
 }
 
 void AppModel::confirmCleanup() {
@@ -445,6 +464,7 @@ void AppModel::offload(const CleanupItem& item) {
         return fail("Pilih SSD kerja dulu di bagian SSD Eksternal.");
     if (isEnding_)
         return;
+    leaving_.insert(item.path);
     beginMove("Memindahkan " + item.title + " ke " + volume->name + "…");
     const auto relay =
         std::make_shared<ProgressRelay<std::int64_t>>(*this, [this, item](std::int64_t copied) {
@@ -458,9 +478,10 @@ void AppModel::offload(const CleanupItem& item) {
             return service.offload(item, volume, {.symlinkBack = keepsALink(item.category)},
                                    [relay](std::int64_t bytes) { relay->tell(bytes); });
         },
-        [this, relay, id = item.id(),
+        [this, relay, id = item.id(), path = item.path,
          name = volume->name](const std::expected<OffloadRecord, DriveFailure>& moved) {
             relay->end();
+            leaving_.erase(leaving_.find(path));
             if (moved) {
                 removeFromReport({id});
                 notice(moved->title + " dipindah ke " + name +

@@ -109,6 +109,8 @@ public:
     void scan();
     void selectRecommended();
     void toggle(const CleanupItem& item);
+    /// Leaves out what is on its way to a volume, and what lies there already: by a link to it, which is all
+    /// that could go here, the data would be lost from sight.
     void requestCleanup(const std::vector<CleanupItem>& items);
     void confirmCleanup();
     void refreshDisk();
@@ -194,6 +196,8 @@ private:
     void retryApplications(Outcomes outcomes, std::size_t next);
     void finishRecycling(CleanupOutcome& outcome, const Desktop::Result& recycled) const;
     void finishCleanup(Outcomes outcomes);
+    [[nodiscard]] bool isMoving(const CleanupItem& item) const;
+    [[nodiscard]] bool hasMoved(const CleanupItem& item) const;
     void beginMove(std::string message);
     void finishMove();
     void tellIfEnded();
@@ -235,7 +239,8 @@ private:
     bool isMapping_ = false;
     std::string mapStatus_;
 
-    int moves_ = 0; ///< to a volume and back, under way
+    int moves_ = 0;                           ///< to a volume and back, under way
+    std::multiset<std::string> leaving_;      ///< paths of items on their way to a volume
     std::set<std::string> goneWhileScanning_; ///< ids of items that the scan may have seen before
     bool appsStale_ = false;                  ///< an application went while the list was made
     bool isEnding_ = false;

@@ -1,6 +1,7 @@
 #include "ui/SettingsModel.h"
 
 #include "fs/PathTools.h"
+#include "platform/Platform.h"
 #include "settings/AppPaths.h"
 #include "ui/ScreenText.h"
 
@@ -91,6 +92,10 @@ void SettingsModel::setLoginItem(bool enabled) {
     const bool isDone = model_.setLoginItem(enabled);
     loginMessage_ = isDone ? QString() : screenText(model_.errorMessage().value_or(""));
     emit loginItemChanged();
+}
+
+QUrl SettingsModel::homeFolder() {
+    return QUrl::fromLocalFile(QString::fromStdString(Platform::homeFolder()));
 }
 
 void SettingsModel::opened() {

@@ -29,6 +29,7 @@ class SettingsModel : public QObject {
     Q_PROPERTY(bool isLoginItem READ isLoginItem NOTIFY loginItemChanged)
     /// What the system said when it refused the last change.
     Q_PROPERTY(QString loginMessage READ loginMessage NOTIFY loginItemChanged)
+    Q_PROPERTY(QUrl homeFolder READ homeFolder CONSTANT) ///< where the choice of a folder begins
 
 public:
     explicit SettingsModel(AppModel& model, QObject* parent = nullptr);
@@ -48,6 +49,7 @@ public:
     [[nodiscard]] bool isLoginItem() const { return model_.isLoginItem(); } ///< asks the system
     [[nodiscard]] const QString& loginMessage() const { return loginMessage_; }
     Q_INVOKABLE void setLoginItem(bool enabled);
+    [[nodiscard]] static QUrl homeFolder();
 
     /// The window comes into sight: the system's own settings may have changed, and old messages are old.
     Q_INVOKABLE void opened();

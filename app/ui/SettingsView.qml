@@ -183,6 +183,7 @@ ScrollPane {
         objectName: "folderDialog"
         title: "Tambah folder…"
         parentWindow: root.Window.window
+        currentFolder: root.model.homeFolder
         acceptLabel: "Tambahkan"
         rejectLabel: "Batal"
         onAccepted: root.model.addFolderUrls([dialog.selectedFolder])

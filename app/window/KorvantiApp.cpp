@@ -115,6 +115,9 @@ void KorvantiApp::showWindow() {
 void KorvantiApp::showSettings() {
     if (!settingsWindow_)
         settingsWindow_ = load("SettingsWindow.qml", {{"model", QVariant::fromValue(&settings_)}});
+    if (settingsWindow_ && !settingsWindow_->isVisible() && window_ && window_->isVisible())
+        settingsWindow_->setPosition(window_->geometry().center() - settingsWindow_->geometry().center() +
+                                     settingsWindow_->position());
     bringUp(settingsWindow_.get());
 }
 

@@ -26,6 +26,7 @@ using namespace korvanti::testing;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Optional;
 using ::testing::SizeIs;
 
 class AppModelMountTests : public ModelFixture {
@@ -229,6 +230,48 @@ TEST_F(AppModelMountTests, aMoveIsWaitedForAndNeverCut) {
     EXPECT_EQ(model().noticeMessage(), "Title of x dipindah ke Kerja (lokasi lama jadi tautan ke SSD).");
     EXPECT_TRUE(PathTools::isSymlink(one.path));
     EXPECT_TRUE(PathTools::isDirectory(home("Library/Caches/y")));
+}
+
+TEST_F(AppModelMountTests, whatIsOnItsWayIsNotCleaned) {
+    std::ofstream("/box/ditto") << "before() { while [ ! -e /box/answers/go ]; do sleep 0.02; done; }\n";
+    const auto one = folderItem("Library/Caches/x");
+    const auto within = folderItem("Library/Caches/x/inner");
+    const auto beside = folderItem("Library/Caches/xy");
+    plugWorkVolume();
+    model().offload(one);
+    model().requestCleanup({one});
+    EXPECT_FALSE(model().pendingCleanup().has_value());
+    EXPECT_EQ(model().errorMessage(), "Title of x sedang dipindah ke SSD.");
+    model().requestCleanup({one, within, beside});
+    EXPECT_THAT(model().pendingCleanup(), Optional(ElementsAre(beside)));
+    mac.answers.file("go");
+    ASSERT_TRUE(isIdle());
+    EXPECT_TRUE(PathTools::isSymlink(one.path));
+
+    const auto again = folderItem("Library/Caches/z");
+    std::filesystem::remove_all(again.path);
+    model().offload(again); // fails
+    ASSERT_TRUE(isIdle());
+    mac.home.file("Library/Caches/z/file");
+    model().requestCleanup({again});
+    EXPECT_THAT(model().pendingCleanup(), Optional(ElementsAre(again)));
+}
+
+TEST_F(AppModelMountTests, theLinkToWhatWasMovedIsNotCleaned) {
+    const auto one = folderItem("Library/Caches/x");
+    saveReport({one});
+    plugWorkVolume();
+    moved(one);
+    startAgain(); // the saved report has it still
+    ASSERT_THAT(model().selectedItems(), ElementsAre(one));
+    model().requestCleanup(model().selectedItems());
+    EXPECT_FALSE(model().pendingCleanup().has_value());
+    EXPECT_EQ(model().errorMessage(), "Title of x sudah dipindah ke SSD.");
+
+    std::filesystem::remove(one.path); // a tool made it anew
+    mac.home.file("Library/Caches/x/file");
+    model().requestCleanup({one});
+    EXPECT_THAT(model().pendingCleanup(), Optional(ElementsAre(one)));
 }
 
 TEST_F(AppModelMountTests, aFolderComesBack) {

@@ -195,6 +195,7 @@ TEST_F(SettingsTests, theDialogHandsOverWhatWasChosen) {
     settle(500);
     grab("dialog.png");
     EXPECT_TRUE(dialog->property("visible").toBool());
+    EXPECT_EQ(dialog->property("currentFolder").toUrl(), QUrl("file:///Users/tester"));
     dialog->setProperty("selectedFolder",
                         QUrl::fromLocalFile(QString::fromStdString(mac.home.path("Chosen"))));
     QMetaObject::invokeMethod(dialog, "accept");

@@ -158,6 +158,8 @@ TEST_F(KorvantiAppTests, theSettingsHaveAWindowOfTheirOwn) {
     EXPECT_TRUE(app().settingsWindow()->isVisible());
     EXPECT_EQ(app().settingsWindow()->title(), "Pengaturan");
     EXPECT_EQ(app().settingsWindow()->size(), QSize(520, 460));
+    const auto away = app().settingsWindow()->geometry().center() - app().window()->geometry().center();
+    EXPECT_LE(away.manhattanLength(), 2) << "over the middle of the window";
     adopt(*app().settingsWindow());
     EXPECT_TRUE(find("addFolderButton"));
     press(Qt::Key_Escape);
