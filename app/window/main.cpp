@@ -1,3 +1,4 @@
+#include "analysis/DiskInspector.h"
 #include "platform/Platform.h"
 #include "start/ProcessStart.h"
 #include "window/CommandMenu.h"
@@ -6,6 +7,7 @@
 #include <QApplication>
 #include <QIcon>
 #include <QtQml/QQmlExtensionPlugin>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
@@ -24,10 +26,19 @@ void report(QtMsgType type, const QMessageLogContext& context, const QString& me
     }
 }
 
+/// Mesa maps its cache of shaders before it has blocks on the disk; without room for them the kernel ends the
+/// process at the first touch, just when it is needed most.
+void spareAFullDisk() {
+    constexpr std::int64_t roomForShaders = 64'000'000;
+    if (korvanti::DiskInspector::freeSpace(korvanti::Platform::homeFolder()).available < roomForShaders)
+        ::setenv("MESA_SHADER_CACHE_DISABLE", "true", 0);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     korvanti::prepareProcess();
+    spareAFullDisk();
     qInstallMessageHandler(report);
     QApplication application(argc, argv);
     QApplication::setApplicationName("Korvanti");

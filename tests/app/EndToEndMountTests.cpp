@@ -1,9 +1,13 @@
 #include "EndToEnd.h"
+#include "Screen.h"
 #include "support/Mount.h"
 
+#include <cstdint>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <string>
 
 namespace korvanti::testing {
 namespace {
@@ -44,6 +48,27 @@ TEST_F(EndToEndMountTests, warnsInTheJson) {
     ASSERT_EQ(items.size(), 1U);
     EXPECT_EQ(items[0].at("warnings"), nlohmann::json({"Berisi volume ter-mount; bagian itu dilewati."}));
     EXPECT_EQ(items[0].at("bytes"), 21'000'192);
+}
+
+// A disk without a byte left
+
+TEST_F(EndToEnd, theWindowOpensOnAFullDisk) {
+    const Mount home("/Users/tester", 40'000'000);
+    occupy("Library/Developer/CoreSimulator/Caches", 30'000'000);
+    {
+        std::ofstream rest(mac.home.path("rest"), std::ios::binary);
+        while (rest << std::string(4096, 'x') << std::flush)
+            continue;
+    }
+    const Screen screen(1280, 900);
+    auto environment = screen.environment();
+    environment.erase("QT_QUICK_BACKEND"); // drawn by Mesa, as for the user
+    environment.insert(
+        {{"HOME", "/Users/tester"}, {"XDG_CACHE_HOME", "/Users/tester/.cache"}, {"LC_ALL", "C.UTF-8"}});
+    BackgroundProgram program({KORVANTI_EXECUTABLE}, environment);
+    constexpr std::uint32_t heroFill = 0x08375F; // the card of the recommendation, when it has scanned
+    EXPECT_TRUE(screen.waitForRow(heroFill, 60));
+    EXPECT_EQ(program.ended(), std::nullopt);
 }
 
 // --volumes
