@@ -190,6 +190,7 @@ TEST_F(AppsModelTests, theDatesKeepUpWithTheClock) {
     EXPECT_THAT(columnOf(timed, "spokenDetail").front(),
                 ::testing::EndsWith("Terakhir dipakai: 4 hari yang lalu"));
     timed.clock()->setIsShown(true);
+    ASSERT_EQ(changes.count(), 1);
     const auto names = timed.roleNames();
     EXPECT_THAT(changes.front()[2].value<QList<int>>(),
                 UnorderedElementsAre(names.key("lastActivity"), names.key("spokenDetail")));

@@ -238,6 +238,7 @@ TEST_F(CleanupModelTests, theDatesKeepUpWithTheClockAndNothingElseIsTold) {
     EXPECT_THAT(column(timed, "lastActivity"), ElementsAre("2 jam yang lalu", ""));
     expectToFollow(*timed.clock(), changes);
     timed.clock()->setIsShown(true);
+    ASSERT_EQ(changes.count(), 1);
     EXPECT_EQ(changes.front()[2].value<QList<int>>(), QList<int>({timed.roleNames().key("lastActivity")}));
     EXPECT_EQ(resets.count(), 0);
 }
