@@ -396,6 +396,20 @@ TEST_F(CleanupModelTests, aScanBringsANewList) {
     EXPECT_EQ(role(0, "isSelected"), true);
 }
 
+TEST_F(CleanupModelTests, anItemThatAScanFindsInAnotherSectionMakesANewList) {
+    auto moved = itemOf(ItemCategory::android, "moved");
+    mac.home.file("Library/Developer/Xcode/DerivedData/App/file", {.allocatedBytes = 60'000'000});
+    moved.path = mac.home.path("Library/Developer/Xcode/DerivedData");
+    saveReport({moved});
+    pane().setSearch("DerivedData");
+    EXPECT_THAT(column(list(), "section"), ElementsAre("android"));
+    QSignalSpy resets(&list(), &ItemListModel::modelReset);
+    model().scan();
+    ASSERT_TRUE(waitFor([&] { return !model().isScanning(); }));
+    EXPECT_THAT(column(list(), "section"), ElementsAre("xcode"));
+    EXPECT_EQ(resets.count(), 1);
+}
+
 TEST_F(CleanupModelTests, aScanThatFindsTheSameItemsChangesNothingButThem) {
     const auto folder = "Library/Developer/Xcode/DerivedData/App/";
     mac.home.file(std::string(folder) + "one", {.allocatedBytes = 60'000'000});

@@ -83,7 +83,7 @@ void expectToFollow(DateClock& clock, QSignalSpy& told, const std::function<void
     EXPECT_EQ(told.count(), 1) << "at once";
     told.clear();
     pass();
-    EXPECT_TRUE(waitFor([&] { return told.count() > 0; }));
+    EXPECT_TRUE(told.wait());
     clock.setIsShown(false);
     hidden();
 }
