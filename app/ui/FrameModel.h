@@ -48,7 +48,7 @@ class FrameModel : public QObject {
     Q_PROPERTY(korvanti::RowList* volumes READ volumes CONSTANT)
     Q_PROPERTY(QString scanAction READ scanAction NOTIFY isScanningChanged)
     Q_PROPERTY(bool canClean READ canClean NOTIFY reportChanged)
-    /// Shown is the panel.
+    /// Its dates are those of the panel.
     Q_PROPERTY(korvanti::DateClock* clock READ clock CONSTANT)
 
 public:
