@@ -1,7 +1,7 @@
 #include "ui/AppListModel.h"
 
-#include "base/Formatters.h"
 #include "ui/AppIconProvider.h"
+#include "ui/ListRoles.h"
 #include "ui/ScreenText.h"
 
 #include <QStringList>
@@ -20,17 +20,12 @@ QString dataText(const InstalledApp& app) {
     return app.dataBytes() >= 1 ? "data " + sizeText(app.dataBytes()) : QString();
 }
 
-QString lastActivityText(const InstalledApp& app) {
+QString lastActivityText(const InstalledApp& app, const DateClock& clock) {
     const auto date = app.lastActivity();
-    return date ? screenText(Formatters::relative(*date, currentInstant())) : QString("Tidak tercatat");
+    return date ? clock.relative(*date) : "Tidak tercatat";
 }
 
-struct Role {
-    std::string_view name;
-    QVariant (*value)(const InstalledApp& app);
-};
-
-constexpr auto roles = std::to_array<Role>({
+constexpr auto appRoles = std::to_array<ListRole<InstalledApp>>({
     {"name", [](const InstalledApp& app) -> QVariant { return screenText(app.name); }},
     {"path", [](const InstalledApp& app) -> QVariant { return screenText(app.path); }},
     {"icon", [](const InstalledApp& app) -> QVariant { return AppIconProvider::nameOf(app.path); }},
@@ -41,7 +36,10 @@ constexpr auto roles = std::to_array<Role>({
     {"isNonWork", [](const InstalledApp& app) -> QVariant { return app.role == AppRole::nonWork; }},
     {"sizeText", [](const InstalledApp& app) -> QVariant { return sizeText(app.totalBytes()); }},
     {"dataText", [](const InstalledApp& app) -> QVariant { return dataText(app); }},
-    {"lastActivity", [](const InstalledApp& app) -> QVariant { return lastActivityText(app); }},
+    {"lastActivity",
+     [](const InstalledApp& app, const DateClock& clock) -> QVariant {
+         return lastActivityText(app, clock);
+     }},
     {"isRemovable", [](const InstalledApp& app) -> QVariant { return app.isRemovable(); }},
     {"spokenTitle",
      [](const InstalledApp& app) -> QVariant {
@@ -51,20 +49,20 @@ constexpr auto roles = std::to_array<Role>({
          return texts.join(", ");
      }},
     {"spokenDetail",
-     [](const InstalledApp& app) -> QVariant {
+     [](const InstalledApp& app, const DateClock& clock) -> QVariant {
          QStringList texts = {screenText(app.advice), screenText(app.reason), dataText(app),
-                              "Terakhir dipakai: " + lastActivityText(app)};
+                              "Terakhir dipakai: " + lastActivityText(app, clock)};
          texts.removeAll("");
          return texts.join(", ");
      }},
 });
 
-constexpr int firstRole = Qt::UserRole + 1;
-
 } // namespace
 
-AppListModel::AppListModel(AppModel& model, QObject* parent) : QAbstractListModel(parent), model_(model) {
+AppListModel::AppListModel(AppModel& model, Clock clock, QObject* parent)
+    : QAbstractListModel(parent), model_(model), clock_(std::move(clock)) {
     startAgain();
+    connect(&clock_, &DateClock::ticked, this, &AppListModel::tellDates);
     connect(&model, &AppModel::appsChanged, this, &AppListModel::update);
 }
 
@@ -73,18 +71,11 @@ int AppListModel::rowCount(const QModelIndex& parent) const {
 }
 
 QVariant AppListModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || index.row() >= rowCount() || role < firstRole ||
-        role >= firstRole + static_cast<int>(roles.size()))
-        return {};
-    return roles[static_cast<std::size_t>(role - firstRole)].value(
-        rows_[static_cast<std::size_t>(index.row())]);
+    return ListRoles::value(appRoles, role, app(index.row()), clock_);
 }
 
 QHash<int, QByteArray> AppListModel::roleNames() const {
-    QHash<int, QByteArray> names;
-    for (int number = firstRole; const auto& role : roles)
-        names.insert(number++, QByteArray(role.name.data(), static_cast<qsizetype>(role.name.size())));
-    return names;
+    return ListRoles::names(appRoles);
 }
 
 const InstalledApp* AppListModel::app(int row) const {
@@ -102,7 +93,7 @@ AppListModel::Apps AppListModel::currentRows() const {
     Apps rows;
     std::ranges::copy_if(
         model_.apps(), std::back_inserter(rows),
-        [this, now = currentInstant()](const InstalledApp& app) { return matches(filter_, app, now); });
+        [this, now = clock_.now()](const InstalledApp& app) { return matches(filter_, app, now); });
     return rows;
 }
 
@@ -131,7 +122,12 @@ void AppListModel::update() {
     }
     rows_ = std::move(rows);
     if (!rows_.empty())
-        emit dataChanged(index(0), index(rowCount() - 1)); // dates are told from today, so all may be new
+        emit dataChanged(index(0), index(rowCount() - 1));
+}
+
+void AppListModel::tellDates() {
+    if (!rows_.empty())
+        emit dataChanged(index(0), index(rowCount() - 1), ListRoles::dated(appRoles));
 }
 
 } // namespace korvanti

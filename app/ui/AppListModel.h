@@ -2,6 +2,7 @@
 
 #include "shell/AppFilter.h"
 #include "shell/AppModel.h"
+#include "ui/DateClock.h"
 
 #include <QAbstractListModel>
 #include <qqmlregistration.h>
@@ -15,9 +16,10 @@ class AppListModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the program")
+    Q_PROPERTY(korvanti::DateClock* clock READ clock CONSTANT)
 
 public:
-    explicit AppListModel(AppModel& model, QObject* parent = nullptr);
+    explicit AppListModel(AppModel& model, Clock clock = currentInstant, QObject* parent = nullptr);
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
@@ -27,6 +29,7 @@ public:
     [[nodiscard]] const InstalledApp* app(int row) const;
     [[nodiscard]] AppFilter filter() const { return filter_; }
     void setFilter(AppFilter filter);
+    [[nodiscard]] DateClock* clock() { return &clock_; }
 
 private:
     using Apps = std::vector<InstalledApp>;
@@ -34,8 +37,10 @@ private:
     [[nodiscard]] Apps currentRows() const;
     void startAgain();
     void update();
+    void tellDates();
 
     AppModel& model_;
+    DateClock clock_;
     AppFilter filter_ = AppFilter::suggested;
     Apps rows_;
 };

@@ -76,6 +76,7 @@ ApplicationWindow {
             OverviewView {
                 anchors.fill: parent
                 visible: root.frame.pane === 0
+                frame: root.frame
                 model: root.overview
             }
             CleanupView {

@@ -15,8 +15,8 @@ constexpr const auto& filterCases = allCases<AppFilter>;
 
 } // namespace
 
-AppsModel::AppsModel(AppModel& model, QObject* parent)
-    : QObject(parent), model_(model), rows_(model), uninstall_(model) {
+AppsModel::AppsModel(AppModel& model, Clock clock, QObject* parent)
+    : QObject(parent), model_(model), rows_(model, std::move(clock)), uninstall_(model) {
     connect(&model, &AppModel::paneChanged, this, &AppsModel::loadWhenOpen);
     connect(&model, &AppModel::appsLoadingChanged, this, &AppsModel::contentsChanged);
     connect(&model, &AppModel::appsChanged, this, &AppsModel::contentsChanged);

@@ -33,7 +33,7 @@ class AppsModel : public QObject {
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY contentsChanged)
 
 public:
-    explicit AppsModel(AppModel& model, QObject* parent = nullptr);
+    explicit AppsModel(AppModel& model, Clock clock = currentInstant, QObject* parent = nullptr);
 
     [[nodiscard]] AppListModel* rows() { return &rows_; }
     [[nodiscard]] UninstallModel* uninstall() { return &uninstall_; }

@@ -10,6 +10,8 @@ FocusScope {
 
     readonly property int margin: 24
 
+    DateWatch { clock: root.model.rows.clock }
+
     PaneToolbar {
         id: toolbar
 

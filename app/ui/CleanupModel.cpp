@@ -1,6 +1,5 @@
 #include "ui/CleanupModel.h"
 
-#include "base/CheckedMath.h"
 #include "ui/Clipboard.h"
 #include "ui/ScreenText.h"
 
@@ -18,7 +17,8 @@ constexpr const auto& categoryCases = allCases<ItemCategory>;
 
 } // namespace
 
-CleanupModel::CleanupModel(AppModel& model, QObject* parent) : QObject(parent), model_(model), items_(model) {
+CleanupModel::CleanupModel(AppModel& model, Clock clock, QObject* parent)
+    : QObject(parent), model_(model), items_(model, std::move(clock)) {
     updateSelected();
     connect(&model, &AppModel::filterChanged, this, &CleanupModel::filterIndexChanged);
     connect(&model, &AppModel::categoryFilterChanged, this, &CleanupModel::categoryIndexChanged);
@@ -102,13 +102,10 @@ QString CleanupModel::emptyText() const {
 }
 
 void CleanupModel::updateSelected() {
-    const auto items = model_.selectedItems();
-    std::int64_t bytes = 0;
-    for (const auto& item : items)
-        bytes = addChecked(bytes, item.bytes);
-    canClean_ = !items.empty();
-    selectedText_ = QString("%1 item dipilih").arg(items.size());
-    selectedSizeText_ = sizeText(bytes) + " akan dibersihkan";
+    const auto count = model_.selected().size();
+    canClean_ = count > 0;
+    selectedText_ = QString("%1 item dipilih").arg(count);
+    selectedSizeText_ = sizeText(model_.selectedBytes()) + " akan dibersihkan";
     emit selectedChanged();
 }
 

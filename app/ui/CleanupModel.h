@@ -45,7 +45,7 @@ class CleanupModel : public QObject {
     Q_PROPERTY(QString cleanText READ cleanText NOTIFY menuChanged)
 
 public:
-    explicit CleanupModel(AppModel& model, QObject* parent = nullptr);
+    explicit CleanupModel(AppModel& model, Clock clock = currentInstant, QObject* parent = nullptr);
 
     [[nodiscard]] ItemListModel* items() { return &items_; }
 

@@ -15,6 +15,8 @@ FocusScope {
 
     readonly property int margin: 24
 
+    DateWatch { clock: root.model.items.clock }
+
     PaneToolbar {
         id: toolbar
 

@@ -2,7 +2,6 @@
 
 #include "base/ByteText.h"
 #include "base/CheckedMath.h"
-#include "base/Formatters.h"
 #include "ui/ScreenText.h"
 
 #include <QStringList>
@@ -42,9 +41,10 @@ QString messageText(const std::optional<std::string>& message) {
 
 } // namespace
 
-FrameModel::FrameModel(AppModel& model, QObject* parent, Clock now)
-    : QObject(parent), model_(model), now_(std::move(now)),
+FrameModel::FrameModel(AppModel& model, Clock clock, QObject* parent)
+    : QObject(parent), model_(model), clock_(std::move(clock)),
       panes_({"title", "symbol", "chosenSymbol", "badge"}), volumes_({"name", "free"}) {
+    connect(&clock_, &DateClock::ticked, this, &FrameModel::scanTextChanged);
     connect(&model, &AppModel::paneChanged, this, &FrameModel::paneChanged);
     connect(&model, &AppModel::isScanningChanged, this, &FrameModel::isScanningChanged);
     for (const auto changed :
@@ -151,7 +151,7 @@ QString FrameModel::recommendedText() const {
 QString FrameModel::scanText() const {
     if (!model_.report())
         return {};
-    return screenText("Pindaian " + Formatters::relative(model_.report()->startedAt, now_()));
+    return "Pindaian " + clock_.relative(model_.report()->startedAt);
 }
 
 QString FrameModel::scanAction() const {
@@ -186,7 +186,6 @@ void FrameModel::windowOpened() {
 
 void FrameModel::panelOpened() {
     model_.refreshDisk();
-    emit scanTextChanged();
 }
 
 void FrameModel::openOverview() {

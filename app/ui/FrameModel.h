@@ -1,12 +1,11 @@
 #pragma once
 
-#include "base/Instant.h"
 #include "shell/AppModel.h"
+#include "ui/DateClock.h"
 #include "ui/RowList.h"
 
 #include <QObject>
 #include <QString>
-#include <functional>
 #include <qqmlregistration.h>
 
 namespace korvanti {
@@ -49,11 +48,11 @@ class FrameModel : public QObject {
     Q_PROPERTY(korvanti::RowList* volumes READ volumes CONSTANT)
     Q_PROPERTY(QString scanAction READ scanAction NOTIFY isScanningChanged)
     Q_PROPERTY(bool canClean READ canClean NOTIFY reportChanged)
+    /// Its dates are those of the panel.
+    Q_PROPERTY(korvanti::DateClock* clock READ clock CONSTANT)
 
 public:
-    using Clock = std::function<Instant()>;
-
-    explicit FrameModel(AppModel& model, QObject* parent = nullptr, Clock now = currentInstant);
+    explicit FrameModel(AppModel& model, Clock clock = currentInstant, QObject* parent = nullptr);
 
     [[nodiscard]] RowList* panes() { return &panes_; }
     [[nodiscard]] int pane() const; ///< row of the sidebar
@@ -86,6 +85,7 @@ public:
     [[nodiscard]] RowList* volumes() { return &volumes_; }
     [[nodiscard]] QString scanAction() const;
     [[nodiscard]] bool canClean() const;
+    [[nodiscard]] DateClock* clock() { return &clock_; }
 
     Q_INVOKABLE void openSettings() { emit settingsRequested(); }
     Q_INVOKABLE void choosePane(int row); ///< a number that is no row changes nothing
@@ -94,7 +94,7 @@ public:
     Q_INVOKABLE void dismissNotice();
     /// The window is there: without a report, that is the time for the first scan.
     Q_INVOKABLE void windowOpened();
-    /// The panel is about to be seen: what has a date in it keeps up with the clock.
+    /// The panel is about to be seen.
     Q_INVOKABLE void panelOpened();
 
     /// The panel's actions.
@@ -124,7 +124,7 @@ private:
     [[nodiscard]] std::int64_t recommendedBytes() const;
 
     AppModel& model_;
-    Clock now_;
+    DateClock clock_;
     QString quitText_;
     RowList panes_;
     RowList volumes_;

@@ -1,28 +1,18 @@
 #include "ui/HistoryModel.h"
 
-#include "base/Formatters.h"
 #include "fs/PathTools.h"
+#include "ui/ListRoles.h"
 #include "ui/ScreenText.h"
 
 #include <QStringList>
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <string>
 #include <utility>
 
 namespace korvanti {
 namespace {
-
-enum Role {
-    successRole = Qt::UserRole + 1,
-    titleRole,
-    pathRole,
-    fullPathRole,
-    messageRole,
-    sizeTextRole,
-    dateTextRole,
-    spokenTextRole
-};
 
 /// What a tool said may have several lines and be of any length.
 QString messageText(const ActivityEntry& entry) {
@@ -31,10 +21,34 @@ QString messageText(const ActivityEntry& entry) {
     return screenText((text.size() > longest ? text.first(longest) + "…" : text).toStdString());
 }
 
+constexpr auto historyRoles = std::to_array<ListRole<ActivityEntry>>({
+    {"success", [](const ActivityEntry& entry) -> QVariant { return entry.success; }},
+    {"title", [](const ActivityEntry& entry) -> QVariant { return screenText(entry.title); }},
+    {"path",
+     [](const ActivityEntry& entry) -> QVariant {
+         return screenText(PathTools::abbreviatingHome(entry.path));
+     }},
+    {"fullPath", [](const ActivityEntry& entry) -> QVariant { return screenText(entry.path); }},
+    {"message", [](const ActivityEntry& entry) -> QVariant { return messageText(entry); }},
+    {"sizeText", [](const ActivityEntry& entry) -> QVariant { return sizeText(entry.bytes); }},
+    {"dateText",
+     [](const ActivityEntry& entry, const DateClock& clock) -> QVariant {
+         return clock.relative(entry.date);
+     }},
+    {"spokenText",
+     [](const ActivityEntry& entry) -> QVariant {
+         QStringList texts = {screenText(entry.title), entry.success ? "berhasil" : "gagal",
+                              messageText(entry), sizeText(entry.bytes)};
+         texts.removeAll("");
+         return texts.join(", ");
+     }},
+});
+
 } // namespace
 
-HistoryModel::HistoryModel(AppModel& model, QObject* parent, Clock now)
-    : QAbstractListModel(parent), model_(model), now_(std::move(now)), entries_(model.activity()) {
+HistoryModel::HistoryModel(AppModel& model, Clock clock, QObject* parent)
+    : QAbstractListModel(parent), model_(model), clock_(std::move(clock)), entries_(model.activity()) {
+    connect(&clock_, &DateClock::ticked, this, &HistoryModel::tellDates);
     connect(&model, &AppModel::activityChanged, this, &HistoryModel::update);
 }
 
@@ -56,7 +70,6 @@ void HistoryModel::update() {
             entries_.insert(entries_.begin(), fresh.begin(), known);
             endInsertRows();
         }
-        opened();
     } else {
         beginResetModel();
         entries_ = fresh;
@@ -66,9 +79,9 @@ void HistoryModel::update() {
         emit isEmptyChanged();
 }
 
-void HistoryModel::opened() {
+void HistoryModel::tellDates() {
     if (!entries_.empty())
-        emit dataChanged(index(0), index(rowCount() - 1), {dateTextRole});
+        emit dataChanged(index(0), index(rowCount() - 1), ListRoles::dated(historyRoles));
 }
 
 int HistoryModel::rowCount(const QModelIndex& parent) const {
@@ -76,39 +89,14 @@ int HistoryModel::rowCount(const QModelIndex& parent) const {
 }
 
 QVariant HistoryModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || index.row() >= rowCount())
-        return {};
-    const auto& entry = entries_[static_cast<std::size_t>(index.row())];
-    switch (role) {
-    case successRole:
-        return entry.success;
-    case titleRole:
-        return screenText(entry.title);
-    case pathRole:
-        return screenText(PathTools::abbreviatingHome(entry.path));
-    case fullPathRole:
-        return screenText(entry.path);
-    case messageRole:
-        return messageText(entry);
-    case sizeTextRole:
-        return sizeText(entry.bytes);
-    case dateTextRole:
-        return screenText(Formatters::relative(entry.date, now_()));
-    case spokenTextRole: {
-        QStringList texts = {screenText(entry.title), entry.success ? "berhasil" : "gagal",
-                             messageText(entry), sizeText(entry.bytes)};
-        texts.removeAll("");
-        return texts.join(", ");
-    }
-    default:
-        return {};
-    }
+    const auto* entry = index.row() >= 0 && index.row() < rowCount()
+                            ? &entries_[static_cast<std::size_t>(index.row())]
+                            : nullptr;
+    return ListRoles::value(historyRoles, role, entry, clock_);
 }
 
 QHash<int, QByteArray> HistoryModel::roleNames() const {
-    return {{successRole, "success"},   {titleRole, "title"},          {pathRole, "path"},
-            {fullPathRole, "fullPath"}, {messageRole, "message"},      {sizeTextRole, "sizeText"},
-            {dateTextRole, "dateText"}, {spokenTextRole, "spokenText"}};
+    return ListRoles::names(historyRoles);
 }
 
 } // namespace korvanti

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "base/Instant.h"
 #include "shell/AppModel.h"
+#include "ui/DateClock.h"
 
 #include <QAbstractListModel>
-#include <functional>
 #include <qqmlregistration.h>
 #include <vector>
 
@@ -16,28 +15,27 @@ class HistoryModel : public QAbstractListModel {
     QML_ELEMENT
     QML_UNCREATABLE("made by the program")
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY isEmptyChanged)
+    Q_PROPERTY(korvanti::DateClock* clock READ clock CONSTANT)
 
 public:
-    using Clock = std::function<Instant()>;
-
-    explicit HistoryModel(AppModel& model, QObject* parent = nullptr, Clock now = currentInstant);
+    explicit HistoryModel(AppModel& model, Clock clock = currentInstant, QObject* parent = nullptr);
 
     [[nodiscard]] bool isEmpty() const { return entries_.empty(); }
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-    /// The pane comes into sight: the dates keep up with the clock.
-    Q_INVOKABLE void opened();
+    [[nodiscard]] DateClock* clock() { return &clock_; }
 
 signals:
     void isEmptyChanged();
 
 private:
     void update();
+    void tellDates();
 
     AppModel& model_;
-    Clock now_;
+    DateClock clock_;
     std::vector<ActivityEntry> entries_;
 };
 

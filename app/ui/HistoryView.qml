@@ -8,7 +8,7 @@ FocusScope {
 
     required property HistoryModel model
 
-    onVisibleChanged: if (root.visible) root.model.opened()
+    DateWatch { clock: root.model.clock }
 
     PaneToolbar {
         id: toolbar

@@ -1,7 +1,7 @@
 #include "ui/ItemListModel.h"
 
 #include "base/CheckedMath.h"
-#include "base/Formatters.h"
+#include "ui/ListRoles.h"
 #include "ui/ScreenText.h"
 
 #include <QStringList>
@@ -19,12 +19,7 @@ namespace {
 
 using Row = ItemListModel::Row;
 
-struct Role {
-    std::string_view name;
-    QVariant (*value)(const Row& row);
-};
-
-constexpr auto roles = std::to_array<Role>({
+constexpr auto itemRoles = std::to_array<ListRole<Row>>({
     {"section", [](const Row& row) -> QVariant { return screenText(rawValue(row.item.category)); }},
     {"title", [](const Row& row) -> QVariant { return screenText(row.item.title); }},
     {"detail", [](const Row& row) -> QVariant { return screenText(row.item.detail); }},
@@ -38,9 +33,9 @@ constexpr auto roles = std::to_array<Role>({
      }},
     {"sizeText", [](const Row& row) -> QVariant { return sizeText(row.item.bytes); }},
     {"lastActivity",
-     [](const Row& row) -> QVariant {
+     [](const Row& row, const DateClock& clock) -> QVariant {
          const auto date = row.item.lastActivity;
-         return date ? screenText(Formatters::relative(*date, currentInstant())) : QString();
+         return date ? clock.relative(*date) : QString();
      }},
     {"verb",
      [](const Row& row) -> QVariant {
@@ -71,16 +66,17 @@ constexpr auto roles = std::to_array<Role>({
      }},
 });
 
-constexpr int firstRole = Qt::UserRole + 1;
-
-consteval int role(std::string_view name) {
-    return firstRole + static_cast<int>(std::ranges::find(roles, name, &Role::name) - roles.begin());
+/// The same one in another report, in the same section.
+bool isSame(const Row& one, const Row& other) {
+    return one.item.id() == other.item.id() && one.item.category == other.item.category;
 }
 
 } // namespace
 
-ItemListModel::ItemListModel(AppModel& model, QObject* parent) : QAbstractListModel(parent), model_(model) {
+ItemListModel::ItemListModel(AppModel& model, Clock clock, QObject* parent)
+    : QAbstractListModel(parent), model_(model), clock_(std::move(clock)) {
     startAgain();
+    connect(&clock_, &DateClock::ticked, this, &ItemListModel::tellDates);
     connect(&model, &AppModel::reportChanged, this, &ItemListModel::update);
     connect(&model, &AppModel::filterChanged, this, &ItemListModel::startAgain);
     connect(&model, &AppModel::categoryFilterChanged, this, &ItemListModel::startAgain);
@@ -93,18 +89,13 @@ int ItemListModel::rowCount(const QModelIndex& parent) const {
 }
 
 QVariant ItemListModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || index.row() >= rowCount() || role < firstRole ||
-        role >= firstRole + static_cast<int>(roles.size()))
-        return {};
-    return roles[static_cast<std::size_t>(role - firstRole)].value(
-        rows_[static_cast<std::size_t>(index.row())]);
+    const bool isThere = index.row() >= 0 && index.row() < rowCount();
+    const auto* row = isThere ? &rows_[static_cast<std::size_t>(index.row())] : nullptr;
+    return ListRoles::value(itemRoles, role, row, clock_);
 }
 
 QHash<int, QByteArray> ItemListModel::roleNames() const {
-    QHash<int, QByteArray> names;
-    for (int number = firstRole; const auto& role : roles)
-        names.insert(number++, QByteArray(role.name.data(), static_cast<qsizetype>(role.name.size())));
-    return names;
+    return ListRoles::names(itemRoles);
 }
 
 const CleanupItem* ItemListModel::item(int row) const {
@@ -117,7 +108,7 @@ void ItemListModel::toggleInstructions(int row) {
         return;
     auto& open = rows_[static_cast<std::size_t>(row)].showInstructions;
     open = !open;
-    emit dataChanged(index(row), index(row), {role("showInstructions")});
+    emit dataChanged(index(row), index(row), {ListRoles::number(itemRoles, "showInstructions")});
 }
 
 std::vector<Row> ItemListModel::currentRows() const {
@@ -149,10 +140,11 @@ void ItemListModel::startAgain() {
 }
 
 void ItemListModel::update() {
-    if (!shrinkTo(currentRows()))
-        startAgain();
-    else
-        updateSections();
+    auto rows = currentRows();
+    if (!shrinkTo(rows))
+        return startAgain();
+    setRows(std::move(rows));
+    updateSections();
 }
 
 bool ItemListModel::shrinkTo(const std::vector<Row>& rows) {
@@ -164,7 +156,7 @@ bool ItemListModel::shrinkTo(const std::vector<Row>& rows) {
     std::vector<Run> gone;
     auto kept = rows.begin();
     for (int row = 0; row < rowCount(); ++row) {
-        if (kept != rows.end() && rows_[static_cast<std::size_t>(row)].item == kept->item)
+        if (kept != rows.end() && isSame(rows_[static_cast<std::size_t>(row)], *kept))
             ++kept;
         else if (!gone.empty() && gone.back().last == row - 1)
             gone.back().last = row;
@@ -181,20 +173,36 @@ bool ItemListModel::shrinkTo(const std::vector<Row>& rows) {
     return true;
 }
 
+void ItemListModel::setRows(std::vector<Row> rows) {
+    changeRows({}, [&](std::size_t row) {
+        const bool isNew = rows_[row] != rows[row];
+        if (isNew)
+            rows_[row] = std::move(rows[row]);
+        return isNew;
+    });
+}
+
 void ItemListModel::updateSelection() {
+    changeRows({ListRoles::number(itemRoles, "isSelected")}, [this](std::size_t row) {
+        const bool isSelected = model_.selection().contains(rows_[row].item.id());
+        return std::exchange(rows_[row].isSelected, isSelected) != isSelected;
+    });
+}
+
+void ItemListModel::changeRows(const QList<int>& roles, const std::function<bool(std::size_t row)>& change) {
     std::optional<int> first; // of a run of changed rows
     for (int row = 0; row <= rowCount(); ++row) {
-        bool changed = false;
-        if (row < rowCount()) {
-            auto& [item, isSelected, showInstructions] = rows_[static_cast<std::size_t>(row)];
-            changed = isSelected != model_.selection().contains(item.id());
-            isSelected = isSelected != changed;
-        }
+        const bool changed = row < rowCount() && change(static_cast<std::size_t>(row));
         if (changed && !first)
             first = row;
         if (!changed && first)
-            emit dataChanged(index(*std::exchange(first, {})), index(row - 1), {role("isSelected")});
+            emit dataChanged(index(*std::exchange(first, {})), index(row - 1), roles);
     }
+}
+
+void ItemListModel::tellDates() {
+    if (!rows_.empty())
+        emit dataChanged(index(0), index(rowCount() - 1), ListRoles::dated(itemRoles));
 }
 
 void ItemListModel::updateSections() {

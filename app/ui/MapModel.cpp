@@ -1,26 +1,15 @@
 #include "ui/MapModel.h"
 
-#include "base/Formatters.h"
 #include "ui/Clipboard.h"
 #include "ui/ScreenText.h"
 
-#include <algorithm>
-#include <cstdint>
 #include <utility>
 
 namespace korvanti {
-namespace {
 
-/// Without its fraction. A saved map may hold any number.
-std::int64_t wholeSeconds(double seconds) {
-    constexpr double most = 1e15;
-    return static_cast<std::int64_t>(std::clamp(seconds, -most, most));
-}
-
-} // namespace
-
-MapModel::MapModel(AppModel& model, QObject* parent, Clock now)
-    : QObject(parent), model_(model), now_(std::move(now)) {
+MapModel::MapModel(AppModel& model, Clock clock, QObject* parent)
+    : QObject(parent), model_(model), clock_(std::move(clock)) {
+    connect(&clock_, &DateClock::ticked, this, &MapModel::captionChanged);
     connect(&model, &AppModel::storageMapChanged, this, &MapModel::updateMap);
     connect(&model, &AppModel::isMappingChanged, this, &MapModel::isMappingChanged);
     connect(&model, &AppModel::mapStatusChanged, this, &MapModel::mapStatusChanged);
@@ -37,8 +26,7 @@ QString MapModel::caption() const {
     const auto& map = model_.storageMap();
     if (!map)
         return "Menelusuri home, Applications, Library, aset macOS, dan Homebrew (±1 menit).";
-    return screenText("Dipetakan " + Formatters::relative(map->createdAt, now_()) + " · " +
-                      std::to_string(wholeSeconds(map->duration)) + " dtk");
+    return "Dipetakan " + clock_.relative(map->createdAt) + " · " + secondsText(map->duration);
 }
 
 QString MapModel::mapStatus() const {

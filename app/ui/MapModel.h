@@ -1,12 +1,11 @@
 #pragma once
 
-#include "base/Instant.h"
 #include "shell/AppModel.h"
+#include "ui/DateClock.h"
 #include "ui/MapTree.h"
 
 #include <QObject>
 #include <QString>
-#include <functional>
 #include <qqmlregistration.h>
 #include <string>
 
@@ -25,11 +24,10 @@ class MapModel : public QObject {
     Q_PROPERTY(QString actionText READ actionText NOTIFY mapChanged)
     Q_PROPERTY(bool isMapping READ isMapping NOTIFY isMappingChanged)
     Q_PROPERTY(QString mapStatus READ mapStatus NOTIFY mapStatusChanged)
+    Q_PROPERTY(korvanti::DateClock* clock READ clock CONSTANT)
 
 public:
-    using Clock = std::function<Instant()>;
-
-    explicit MapModel(AppModel& model, QObject* parent = nullptr, Clock now = currentInstant);
+    explicit MapModel(AppModel& model, Clock clock = currentInstant, QObject* parent = nullptr);
 
     [[nodiscard]] MapTree* tree() { return &tree_; }
     [[nodiscard]] bool hasMap() const { return model_.storageMap().has_value(); }
@@ -37,9 +35,8 @@ public:
     [[nodiscard]] QString actionText() const { return hasMap() ? "Petakan ulang" : "Petakan sekarang"; }
     [[nodiscard]] bool isMapping() const { return model_.isMapping(); }
     [[nodiscard]] QString mapStatus() const;
+    [[nodiscard]] DateClock* clock() { return &clock_; }
 
-    /// The pane comes into sight: what has a date in it keeps up with the clock.
-    Q_INVOKABLE void opened() { emit captionChanged(); }
     Q_INVOKABLE void generate();
 
     /// From now on the menu is about that row's path, whatever becomes of the row.
@@ -57,7 +54,7 @@ private:
     void updateMap();
 
     AppModel& model_;
-    Clock now_;
+    DateClock clock_;
     MapTree tree_;
     std::string menuPath_;
 };

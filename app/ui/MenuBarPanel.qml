@@ -23,6 +23,7 @@ Window {
     onActiveChanged: if (!root.active) root.leave()
     onVisibleChanged: if (root.visible) root.frame.panelOpened()
 
+    DateWatch { clock: root.frame.clock }
     Shortcut {
         sequence: "Esc"
         onActivated: root.leave()

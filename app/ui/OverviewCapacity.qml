@@ -5,6 +5,7 @@ import Korvanti.Ui
 Column {
     id: root
 
+    required property FrameModel frame
     required property OverviewModel model
 
     BrandText {
@@ -19,8 +20,8 @@ Column {
         objectName: "capacityText"
         width: root.width
         style: BrandText.Capacity
-        text: root.model.capacityText
-        color: root.model.isLow ? Brand.coral : Brand.ink
+        text: root.frame.capacityText
+        color: root.frame.isLow ? Brand.coral : Brand.ink
         wrapMode: Text.WordWrap
     }
     Item {
@@ -30,9 +31,9 @@ Column {
     CapacityBar {
         objectName: "capacityBar"
         width: root.width
-        used: root.model.usedBytes
-        total: root.model.totalBytes
-        warning: root.model.isLow
+        used: root.frame.usedBytes
+        total: root.frame.totalBytes
+        warning: root.frame.isLow
     }
     Item {
         width: 1

@@ -1,24 +1,17 @@
 #include "ui/OverviewModel.h"
 
 #include "base/ByteText.h"
-#include "base/Formatters.h"
 #include "ui/ScreenText.h"
 
 #include <QKeySequence>
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <chrono>
-#include <cmath>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace korvanti {
 namespace {
-
-using namespace std::chrono_literals;
 
 /// The classes that have a tile, in their order, and what a tap on it shows.
 struct Tile {
@@ -32,25 +25,6 @@ constexpr std::array tileTable = {
     Tile{Safety::review, "review", ItemFilter::review},
     Tile{Safety::managed, "managed", ItemFilter::all},
 };
-
-/// Cut to a whole number; what a damaged file may hold beyond the range is moved to its end.
-std::int64_t wholePart(double number) {
-    constexpr double end = 0x1p63;
-    if (std::isnan(number))
-        return 0;
-    if (number >= end)
-        return std::numeric_limits<std::int64_t>::max();
-    return number < -end ? std::numeric_limits<std::int64_t>::min() : static_cast<std::int64_t>(number);
-}
-
-/// Without a fraction and with the point of no locale: "86 TB".
-std::string terabytesText(std::int64_t bytes) {
-    constexpr double terabyte = 1e12;
-    std::array<char, 32> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
-                                   static_cast<double>(bytes) / terabyte, std::chars_format::fixed, 0);
-    return std::string(digits.data(), end.ptr) + " TB";
-}
 
 QList<RowList::Row> tileRows(const ScanReport& report) {
     QList<RowList::Row> rows;
@@ -93,7 +67,9 @@ QList<RowList::Row> healthRows(const DiskSnapshot& disk) {
     if (disk.smart && disk.smart->percentageUsed)
         add("Keausan SSD internal", std::to_string(*disk.smart->percentageUsed) + "%");
     if (disk.smart && disk.smart->dataWrittenBytes)
-        add("Total data ditulis", terabytesText(*disk.smart->dataWrittenBytes));
+        rows.append(
+            {{"label", "Total data ditulis"},
+             {"value", roundedText(static_cast<double>(*disk.smart->dataWrittenBytes) / 1e12) + " TB"}});
     add("Swap terpakai", bytesText(disk.swapUsed));
     add("RAM", memoryText(disk.physicalMemory));
     add("Purgeable (dibebaskan macOS)", bytesText(disk.purgeable()));
@@ -102,17 +78,12 @@ QList<RowList::Row> healthRows(const DiskSnapshot& disk) {
 
 } // namespace
 
-OverviewModel::OverviewModel(AppModel& model, Clock now, QObject* parent)
-    : QObject(parent), model_(model), now_(std::move(now)) {
-    minute_.setInterval(1min);
-    minute_.setTimerType(Qt::VeryCoarseTimer);
-    connect(&minute_, &QTimer::timeout, this, &OverviewModel::refreshScanLine);
+OverviewModel::OverviewModel(AppModel& model, Clock clock, QObject* parent)
+    : QObject(parent), model_(model), clock_(std::move(clock)) {
+    connect(&clock_, &DateClock::ticked, this, &OverviewModel::refreshScanLine);
     connect(&model_, &AppModel::reportChanged, this, &OverviewModel::readReport);
     connect(&model_, &AppModel::isScanningChanged, this, &OverviewModel::isScanningChanged);
     connect(&model_, &AppModel::scanStatusChanged, this, &OverviewModel::scanStatusChanged);
-    connect(&model_, &AppModel::freeBytesChanged, this, &OverviewModel::capacityChanged);
-    connect(&model_, &AppModel::totalBytesChanged, this, &OverviewModel::capacityChanged);
-    connect(&model_, &AppModel::settingsChanged, this, &OverviewModel::capacityChanged); // the threshold
     readReport();
 }
 
@@ -124,32 +95,12 @@ QString OverviewModel::rescanHint() {
     return "Pindai ulang (" + QKeySequence(Qt::CTRL | Qt::Key_R).toString(QKeySequence::NativeText) + ")";
 }
 
-QString OverviewModel::capacityText() const {
-    return sizeText(model_.freeBytes()) + " kosong dari " + sizeText(model_.totalBytes());
-}
-
-qint64 OverviewModel::usedBytes() const {
-    return model_.totalBytes() - model_.freeBytes(); // neither is ever negative
-}
-
 bool OverviewModel::asksForAccess() const {
     return hasReport() && !model_.report()->disk.hasFullDiskAccess;
 }
 
 bool OverviewModel::swapIsLarge() const {
     return hasReport() && model_.report()->disk.swapUsed > model_.report()->disk.physicalMemory / 2;
-}
-
-void OverviewModel::setIsShown(bool isShown) {
-    if (isShown == minute_.isActive())
-        return;
-    if (isShown) {
-        refreshScanLine();
-        minute_.start();
-    } else {
-        minute_.stop();
-    }
-    emit isShownChanged();
 }
 
 void OverviewModel::readReport() {
@@ -175,8 +126,7 @@ void OverviewModel::readReport() {
 void OverviewModel::refreshScanLine() {
     QString line;
     if (const auto& report = model_.report())
-        line = screenText("Dipindai " + Formatters::relative(report->startedAt, now_()) + " · " +
-                          std::to_string(wholePart(report->duration)) + " dtk");
+        line = "Dipindai " + clock_.relative(report->startedAt) + " · " + secondsText(report->duration);
     if (std::exchange(scanLine_, line) != line)
         emit scanLineChanged();
 }

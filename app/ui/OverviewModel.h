@@ -1,13 +1,11 @@
 #pragma once
 
-#include "base/Instant.h"
 #include "shell/AppModel.h"
+#include "ui/DateClock.h"
 #include "ui/RowList.h"
 
 #include <QObject>
 #include <QString>
-#include <QTimer>
-#include <functional>
 #include <qqmlregistration.h>
 
 namespace korvanti {
@@ -23,11 +21,6 @@ class OverviewModel : public QObject {
     Q_PROPERTY(QString scanStatus READ scanStatus NOTIFY scanStatusChanged)
     Q_PROPERTY(QString scanLine READ scanLine NOTIFY scanLineChanged)
     Q_PROPERTY(QString rescanHint READ rescanHint CONSTANT)
-
-    Q_PROPERTY(QString capacityText READ capacityText NOTIFY capacityChanged)
-    Q_PROPERTY(bool isLow READ isLow NOTIFY capacityChanged)
-    Q_PROPERTY(qint64 usedBytes READ usedBytes NOTIFY capacityChanged)
-    Q_PROPERTY(qint64 totalBytes READ totalBytes NOTIFY capacityChanged)
 
     Q_PROPERTY(bool asksForAccess READ asksForAccess NOTIFY reportChanged)
     Q_PROPERTY(QString recommendedText READ recommendedText NOTIFY reportChanged)
@@ -45,24 +38,16 @@ class OverviewModel : public QObject {
     /// Roles: text.
     Q_PROPERTY(korvanti::RowList* notes READ notes CONSTANT)
 
-    /// Told by the pane: only while somebody sees it does the line of the scan keep up with the clock.
-    Q_PROPERTY(bool isShown READ isShown WRITE setIsShown NOTIFY isShownChanged)
+    Q_PROPERTY(korvanti::DateClock* clock READ clock CONSTANT)
 
 public:
-    using Clock = std::function<Instant()>;
-
-    explicit OverviewModel(AppModel& model, Clock now = currentInstant, QObject* parent = nullptr);
+    explicit OverviewModel(AppModel& model, Clock clock = currentInstant, QObject* parent = nullptr);
 
     [[nodiscard]] bool hasReport() const { return model_.report().has_value(); }
     [[nodiscard]] bool isScanning() const { return model_.isScanning(); }
     [[nodiscard]] QString scanStatus() const;
     [[nodiscard]] const QString& scanLine() const { return scanLine_; }
     [[nodiscard]] static QString rescanHint();
-
-    [[nodiscard]] QString capacityText() const;
-    [[nodiscard]] bool isLow() const { return model_.isLowSpace(); }
-    [[nodiscard]] qint64 usedBytes() const;
-    [[nodiscard]] qint64 totalBytes() const { return model_.totalBytes(); }
 
     [[nodiscard]] bool asksForAccess() const;
     [[nodiscard]] const QString& recommendedText() const { return recommendedText_; }
@@ -75,8 +60,7 @@ public:
     [[nodiscard]] RowList* health() { return &health_; }
     [[nodiscard]] RowList* notes() { return &notes_; }
 
-    [[nodiscard]] bool isShown() const { return minute_.isActive(); }
-    void setIsShown(bool isShown);
+    [[nodiscard]] DateClock* clock() { return &clock_; }
 
     Q_INVOKABLE void scan();
     Q_INVOKABLE void cleanRecommended();
@@ -91,8 +75,6 @@ signals:
     void isScanningChanged();
     void scanStatusChanged();
     void scanLineChanged();
-    void capacityChanged();
-    void isShownChanged();
 
 private:
     void readReport();
@@ -100,8 +82,7 @@ private:
     void openCleanup(ItemFilter filter, std::optional<ItemCategory> category);
 
     AppModel& model_;
-    Clock now_;
-    QTimer minute_{this};
+    DateClock clock_;
     QString scanLine_;
     QString recommendedText_;
     QString recommendedPromise_;

@@ -7,15 +7,12 @@ import Korvanti.Ui
 Item {
     id: root
 
+    required property FrameModel frame
     required property OverviewModel model
 
-    readonly property bool isSeen: root.visible && root.Window.visibility !== Window.Hidden
-                                   && root.Window.visibility !== Window.Minimized
     property real growth: 1 ///< of the bars
 
-    onIsSeenChanged: root.model.isShown = root.isSeen
-    Component.onCompleted: root.model.isShown = root.isSeen
-    Component.onDestruction: root.model.isShown = false
+    DateWatch { clock: root.model.clock }
 
     // Once, when a scan has brought new numbers.
     Connections {
@@ -76,6 +73,7 @@ Item {
 
         OverviewCapacity {
             width: pane.room
+            frame: root.frame
             model: root.model
         }
         OverviewAccess {

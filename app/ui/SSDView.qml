@@ -8,12 +8,8 @@ FocusScope {
 
     required property SsdModel model
 
-    readonly property bool isSeen: root.visible && root.Window.visibility !== Window.Hidden
-                                   && root.Window.visibility !== Window.Minimized
 
-    onIsSeenChanged: root.model.isShown = root.isSeen
-    Component.onCompleted: root.model.isShown = root.isSeen
-    Component.onDestruction: root.model.isShown = false
+    DateWatch { clock: root.model.clock }
 
     PaneToolbar {
         id: toolbar

@@ -21,4 +21,10 @@ namespace korvanti {
     return QString::fromStdString(bytesText(bytes));
 }
 
+/// "%.0f" in no locale: what lies in the middle goes to the even side.
+[[nodiscard]] QString roundedText(double number);
+
+/// How long something took, without its fraction: "58 dtk". A saved file may hold any number.
+[[nodiscard]] QString secondsText(double seconds);
+
 } // namespace korvanti

@@ -1,6 +1,5 @@
 #include "ui/SsdModel.h"
 
-#include "base/Formatters.h"
 #include "drives/VolumeAdvisor.h"
 #include "fs/PathTools.h"
 #include "ui/Clipboard.h"
@@ -8,17 +7,12 @@
 
 #include <QByteArray>
 #include <QVariant>
-#include <array>
-#include <charconv>
-#include <chrono>
 #include <cstddef>
 #include <string>
 #include <utility>
 
 namespace korvanti {
 namespace {
-
-using namespace std::chrono_literals;
 
 constexpr auto keyRole = "key"; ///< names a row for its list alone
 
@@ -49,14 +43,6 @@ QString symbol(OffloadStatus status) {
     std::unreachable();
 }
 
-/// "%.0f" in no locale: what lies in the middle goes to the even side.
-std::string wholeText(double number) {
-    std::array<char, 400> digits{}; // the largest number has 309
-    const auto end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed, 0);
-    return {digits.data(), end.ptr};
-}
-
 bool isAlmostFull(const VolumeInfo& volume) {
     return volume.total >= 1 && static_cast<double>(volume.free) / static_cast<double>(volume.total) < 0.1;
 }
@@ -74,11 +60,9 @@ QList<RowList::Row> adviceRows(const VolumeInfo& volume) {
 
 } // namespace
 
-SsdModel::SsdModel(AppModel& model, Clock now, QObject* parent)
-    : QObject(parent), model_(model), now_(std::move(now)) {
-    minute_.setInterval(1min);
-    minute_.setTimerType(Qt::VeryCoarseTimer);
-    connect(&minute_, &QTimer::timeout, this, &SsdModel::readMoved);
+SsdModel::SsdModel(AppModel& model, Clock clock, QObject* parent)
+    : QObject(parent), model_(model), clock_(std::move(clock)) {
+    connect(&clock_, &DateClock::ticked, this, &SsdModel::readMoved);
     for (const auto changed : {&AppModel::volumesChanged, &AppModel::settingsChanged,
                                &AppModel::speedResultsChanged, &AppModel::speedTestingChanged})
         connect(&model_, changed, this, &SsdModel::readVolumes);
@@ -91,18 +75,6 @@ SsdModel::SsdModel(AppModel& model, Clock now, QObject* parent)
     readVolumes();
     readCaches();
     readMoved();
-}
-
-void SsdModel::setIsShown(bool isShown) {
-    if (isShown == minute_.isActive())
-        return;
-    if (isShown) {
-        readMoved();
-        minute_.start();
-    } else {
-        minute_.stop();
-    }
-    emit isShownChanged();
 }
 
 void SsdModel::reload() {
@@ -149,8 +121,8 @@ RowList::Row SsdModel::volumeRow(const VolumeInfo& volume, RowList* advice) cons
 }
 
 QString SsdModel::speedText(const VolumeService::SpeedResult& result) {
-    return screenText("Tulis " + wholeText(result.writeMBps) + " MB/s · Baca " + wholeText(result.readMBps) +
-                      " MB/s");
+    return "Tulis " + roundedText(result.writeMBps) + " MB/s · Baca " + roundedText(result.readMBps) +
+           " MB/s";
 }
 
 const VolumeInfo* SsdModel::volumeAt(int row) const {
@@ -266,14 +238,13 @@ void SsdModel::readMoved() {
 
 RowList::Row SsdModel::movedRow(const OffloadRecord& record) const {
     const auto status = model_.offloadStatus(record);
-    return {
-        {keyRole, keyOf(record.id.text())},
-        {"title", screenText(record.title)},
-        {"path", screenText(PathTools::abbreviatingHome(record.originalPath))},
-        {"sizeLine", sizeText(record.bytes) + " · " + screenText(Formatters::relative(record.date, now_()))},
-        {"statusText", screenText(label(status))},
-        {"statusSymbol", symbol(status)},
-        {"isAvailable", status == OffloadStatus::available}};
+    return {{keyRole, keyOf(record.id.text())},
+            {"title", screenText(record.title)},
+            {"path", screenText(PathTools::abbreviatingHome(record.originalPath))},
+            {"sizeLine", sizeText(record.bytes) + " · " + clock_.relative(record.date)},
+            {"statusText", screenText(label(status))},
+            {"statusSymbol", symbol(status)},
+            {"isAvailable", status == OffloadStatus::available}};
 }
 
 const OffloadRecord* SsdModel::menuRecord() const {

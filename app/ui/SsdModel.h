@@ -1,14 +1,12 @@
 #pragma once
 
-#include "base/Instant.h"
 #include "shell/AppModel.h"
+#include "ui/DateClock.h"
 #include "ui/RowList.h"
 
 #include <QObject>
 #include <QPersistentModelIndex>
 #include <QString>
-#include <QTimer>
-#include <functional>
 #include <memory>
 #include <qqmlregistration.h>
 #include <set>
@@ -46,13 +44,11 @@ class SsdModel : public QObject {
     Q_PROPERTY(QString restoreText READ restoreText NOTIFY menuChanged)
     Q_PROPERTY(bool canRestore READ canRestore NOTIFY menuChanged)
 
-    /// Told by the pane: only while somebody sees it do dates and statuses keep up.
-    Q_PROPERTY(bool isShown READ isShown WRITE setIsShown NOTIFY isShownChanged)
+    /// Statuses keep up with it as well.
+    Q_PROPERTY(korvanti::DateClock* clock READ clock CONSTANT)
 
 public:
-    using Clock = std::function<Instant()>;
-
-    explicit SsdModel(AppModel& model, Clock now = currentInstant, QObject* parent = nullptr);
+    explicit SsdModel(AppModel& model, Clock clock = currentInstant, QObject* parent = nullptr);
 
     [[nodiscard]] RowList* volumes() { return &volumes_; }
     [[nodiscard]] bool hasVolumes() const { return !volumes_.rows().isEmpty(); }
@@ -71,8 +67,7 @@ public:
     [[nodiscard]] QString restoreText() const;
     [[nodiscard]] bool canRestore() const;
 
-    [[nodiscard]] bool isShown() const { return minute_.isActive(); }
-    void setIsShown(bool isShown);
+    [[nodiscard]] DateClock* clock() { return &clock_; }
 
     Q_INVOKABLE void reload();
 
@@ -98,7 +93,6 @@ signals:
     void cachesChanged();
     void movedChanged();
     void menuChanged();
-    void isShownChanged();
 
 private:
     void readVolumes();
@@ -110,8 +104,7 @@ private:
     [[nodiscard]] const OffloadRecord* menuRecord() const;
 
     AppModel& model_;
-    Clock now_;
-    QTimer minute_{this};
+    DateClock clock_;
     std::set<DevCache> chosen_;
     std::vector<std::unique_ptr<RowList>> advice_; ///< by the volume's row; never fewer than there were
     RowList volumes_{{"name", "isWorkVolume", "freeText", "formatText", "used", "total", "isAlmostFull",

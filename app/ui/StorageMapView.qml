@@ -10,7 +10,7 @@ FocusScope {
 
     readonly property int margin: 24
 
-    onVisibleChanged: if (root.visible) root.model.opened()
+    DateWatch { clock: root.model.clock }
 
     PaneToolbar {
         id: toolbar

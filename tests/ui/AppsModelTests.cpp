@@ -176,6 +176,26 @@ TEST_F(AppsModelTests, aRowIsReadyToBeShown) {
     EXPECT_THAT(value(1, "spokenTitle"), StartsWith("Game, Disarankan, Non-kerja, "));
 }
 
+TEST_F(AppsModelTests, theDatesKeepUpWithTheClock) {
+    installSome();
+    load();
+    auto now = currentInstant();
+    AppListModel timed(model(), [&] { return now; });
+    timed.setFilter(AppFilter::largest);
+    const QAbstractItemModelTester tester(&timed);
+    QSignalSpy changes(&timed, &AppListModel::dataChanged);
+    now += std::chrono::hours(24);
+    expectToFollow(*timed.clock(), changes);
+    EXPECT_EQ(columnOf(timed, "lastActivity").front(), "4 hari yang lalu");
+    EXPECT_THAT(columnOf(timed, "spokenDetail").front(),
+                ::testing::EndsWith("Terakhir dipakai: 4 hari yang lalu"));
+    timed.clock()->setIsShown(true);
+    ASSERT_EQ(changes.count(), 1);
+    const auto names = timed.roleNames();
+    EXPECT_THAT(changes.front()[2].value<QList<int>>(),
+                UnorderedElementsAre(names.key("lastActivity"), names.key("spokenDetail")));
+}
+
 TEST_F(AppsModelTests, theListIsWellBehaved) {
     installSome();
     panes();

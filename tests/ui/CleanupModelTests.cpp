@@ -225,6 +225,24 @@ TEST_F(CleanupModelTests, aRowWithoutADateAndWarningsHasNone) {
     EXPECT_THAT(role(0, "warnings").toStringList(), IsEmpty());
 }
 
+TEST_F(CleanupModelTests, theDatesKeepUpWithTheClockAndNothingElseIsTold) {
+    auto shown = item("a");
+    auto now = instantFromSeconds(1'700'000'000);
+    shown.lastActivity = now;
+    saveReport({shown, item("b")});
+    ItemListModel timed(model(), [&] { return now; });
+    const Tester tester(&timed, Tester::FailureReportingMode::Fatal);
+    QSignalSpy changes(&timed, &ItemListModel::dataChanged);
+    QSignalSpy resets(&timed, &ItemListModel::modelReset);
+    now += std::chrono::hours(2);
+    EXPECT_THAT(column(timed, "lastActivity"), ElementsAre("2 jam yang lalu", ""));
+    expectToFollow(*timed.clock(), changes);
+    timed.clock()->setIsShown(true);
+    ASSERT_EQ(changes.count(), 1);
+    EXPECT_EQ(changes.front()[2].value<QList<int>>(), QList<int>({timed.roleNames().key("lastActivity")}));
+    EXPECT_EQ(resets.count(), 0);
+}
+
 TEST_F(CleanupModelTests, aKeptItemCannotBeSelectedAndHasNoVerb) {
     saveReport({item("keep", Safety::keep)});
     EXPECT_EQ(role(0, "isSelectable"), false);
@@ -376,6 +394,46 @@ TEST_F(CleanupModelTests, aScanBringsANewList) {
     ASSERT_TRUE(waitFor([&] { return !model().isScanning(); }));
     EXPECT_EQ(column(list(), "fullPath").front(), "/Users/tester/Library/Developer/Xcode/DerivedData");
     EXPECT_EQ(role(0, "isSelected"), true);
+}
+
+TEST_F(CleanupModelTests, anItemThatAScanFindsInAnotherSectionMakesANewList) {
+    auto moved = itemOf(ItemCategory::android, "moved");
+    mac.home.file("Library/Developer/Xcode/DerivedData/App/file", {.allocatedBytes = 60'000'000});
+    moved.path = mac.home.path("Library/Developer/Xcode/DerivedData");
+    saveReport({moved});
+    pane().setSearch("DerivedData");
+    EXPECT_THAT(column(list(), "section"), ElementsAre("android"));
+    QSignalSpy resets(&list(), &ItemListModel::modelReset);
+    model().scan();
+    ASSERT_TRUE(waitFor([&] { return !model().isScanning(); }));
+    EXPECT_THAT(column(list(), "section"), ElementsAre("xcode"));
+    EXPECT_EQ(resets.count(), 1);
+}
+
+TEST_F(CleanupModelTests, aScanThatFindsTheSameItemsChangesNothingButThem) {
+    const auto folder = "Library/Developer/Xcode/DerivedData/App/";
+    mac.home.file(std::string(folder) + "one", {.allocatedBytes = 60'000'000});
+    mac.home.file("Library/Developer/Xcode/iOS DeviceSupport/17.0/file", {.allocatedBytes = 60'000'000});
+    const auto scan = [this] {
+        model().scan();
+        ASSERT_TRUE(waitFor([&] { return !model().isScanning(); }));
+    };
+    scan();
+    const auto shownBefore = titles();
+    ASSERT_GE(list().rowCount(), 1);
+    const auto before = text(0, "sizeText");
+    pane().openMenu(0);
+    QSignalSpy resets(&list(), &ItemListModel::modelReset);
+    QSignalSpy changes(&list(), &ItemListModel::dataChanged);
+    QSignalSpy sums(&list(), &ItemListModel::sectionsChanged);
+    mac.home.file(std::string(folder) + "two", {.allocatedBytes = 70'000'000});
+    scan();
+    EXPECT_EQ(titles(), shownBefore);
+    EXPECT_EQ(resets.count(), 0);
+    EXPECT_NE(text(0, "sizeText"), before);
+    EXPECT_GE(changes.count(), 1);
+    EXPECT_EQ(sums.count(), 1);
+    EXPECT_TRUE(pane().hasMenu());
 }
 
 // The menu

@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <latch>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -186,6 +187,18 @@ TEST_F(FrameModelTests, theFooterTheLabelAndThePanelTellTheSameDisk) {
     EXPECT_EQ(frame().totalBytes(), total);
 }
 
+TEST_F(FrameModelTests, capacitiesBeyondAllDisksAreTexts) {
+    constexpr auto greatest = std::numeric_limits<std::int64_t>::max();
+    const DiskSpace space(greatest, greatest);
+    EXPECT_EQ(frame().capacityText(), "9,22 EB kosong dari 9,22 EB");
+    EXPECT_EQ(frame().usedBytes(), 0);
+}
+
+TEST_F(FrameModelTests, moreFreeThanThereIsMakesUsedNegative) {
+    const DiskSpace space(3 * GB, 1 * GB);
+    EXPECT_EQ(frame().usedBytes(), -2 * GB);
+}
+
 TEST_F(FrameModelTests, theLabelFollowsTheDisk) {
     {
         const DiskSpace space(30 * GB, total);
@@ -199,12 +212,11 @@ TEST_F(FrameModelTests, theLabelFollowsTheDisk) {
 TEST_F(FrameModelTests, thePanelTellsWhenTheScanWas) {
     saveReport({item("one", 1)});
     Instant now = instantFromSeconds(1'700'000'000) + 2h;
-    FrameModel timed(model(), nullptr, [&] { return now; });
+    FrameModel timed(model(), [&] { return now; });
     EXPECT_EQ(timed.scanText(), "Pindaian 2 jam yang lalu");
     QSignalSpy changed(&timed, &FrameModel::scanTextChanged);
     now += 24h;
-    timed.panelOpened();
-    EXPECT_EQ(changed.count(), 1);
+    expectToFollow(*timed.clock(), changed);
     EXPECT_EQ(timed.scanText(), "Pindaian 1 hari yang lalu");
 }
 

@@ -40,13 +40,7 @@ protected:
     static void log(const ActivityEntry& entry) { ActivityLog(AppPaths::activity()).append(entry); }
     /// What the program does itself is logged, and read again.
     void cleanOne(const std::string& name) {
-        CleanupItem item;
-        mac.home.file("Library/Caches/" + name + "/file", {.text = "12345"});
-        item.title = name;
-        item.path = mac.home.path("Library/Caches/" + name);
-        item.safety = Safety::regenerable;
-        item.action = CleanupAction::delete_();
-        model().requestCleanup({item});
+        model().requestCleanup({cache(name)});
         model().confirmCleanup();
         ASSERT_TRUE(waitFor([&] { return !model().isCleaning(); }));
         model().dismissCleanup();
@@ -88,13 +82,15 @@ TEST_F(HistoryTests, theNewestComesFirst) {
 TEST_F(HistoryTests, datesKeepUpWithTheClock) {
     log(entry("one"));
     auto now = instantFromSeconds(1'700'000'000 + 7'200);
-    HistoryModel shown(model(), nullptr, [&] { return now; });
+    HistoryModel shown(model(), [&] { return now; });
     EXPECT_THAT(column(shown, "dateText"), ElementsAre("2 jam yang lalu"));
     QSignalSpy changed(&shown, &HistoryModel::dataChanged);
     now = instantFromSeconds(1'700'000'000 + 3 * 86'400);
-    shown.opened();
-    EXPECT_EQ(changed.count(), 1);
+    expectToFollow(*shown.clock(), changed);
     EXPECT_THAT(column(shown, "dateText"), ElementsAre("3 hari yang lalu"));
+    shown.clock()->setIsShown(true);
+    ASSERT_EQ(changed.count(), 1);
+    EXPECT_EQ(changed.front()[2].value<QList<int>>(), QList<int>({shown.roleNames().key("dateText")}));
 }
 
 TEST_F(HistoryTests, aNewEntryComesInAboveTheOthers) {

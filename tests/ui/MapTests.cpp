@@ -273,10 +273,19 @@ TEST_F(MapModelTests, withoutAMapItSaysWhatItWouldRead) {
 
 TEST_F(MapModelTests, aMapTellsItsAgeAndWholeSeconds) {
     save(smallMap());
-    const MapModel shown(model(), nullptr, [] { return instantFromSeconds(1'700'000'000 + 86'400); });
+    const MapModel shown(model(), [] { return instantFromSeconds(1'700'000'000 + 86'400); });
     EXPECT_TRUE(shown.hasMap());
     EXPECT_EQ(shown.caption(), "Dipetakan 1 hari yang lalu · 58 dtk");
     EXPECT_EQ(shown.actionText(), "Petakan ulang");
+}
+
+TEST_F(MapModelTests, theAgeKeepsUpWithTheClock) {
+    save(smallMap());
+    auto now = instantFromSeconds(1'700'000'000 + 86'400);
+    MapModel shown(model(), [&] { return now; });
+    QSignalSpy told(&shown, &MapModel::captionChanged);
+    expectToFollow(*shown.clock(), told, [&] { now += std::chrono::hours(24); });
+    EXPECT_EQ(shown.caption(), "Dipetakan 4 hari yang lalu · 58 dtk");
 }
 
 TEST_F(MapModelTests, anyDurationIsCutToAWholeNumber) {

@@ -4,7 +4,6 @@
 #include "base/ByteText.h"
 #include "base/Json.h"
 #include "scan/ReportJson.h"
-#include "support/DiskSpace.h"
 #include "support/Environment.h"
 
 #include <QAbstractItemModelTester>
@@ -125,55 +124,6 @@ TEST_F(OverviewModelTests, withoutAReportThereIsNothingToCleanAndNobodyIsAskedFo
     EXPECT_FALSE(app().pendingCleanup().has_value());
 }
 
-// Capacity head
-
-TEST_F(OverviewModelTests, theHeadTellsWhatIsFreeOfTheWhole) {
-    const DiskSpace space(14'200'000'000, 245'110'000'000);
-    EXPECT_EQ(overview().capacityText(), "14,2 GB kosong dari 245,11 GB");
-    EXPECT_EQ(overview().usedBytes(), 230'910'000'000);
-    EXPECT_EQ(overview().totalBytes(), 245'110'000'000);
-}
-
-TEST_F(OverviewModelTests, spaceIsLowBelowTheThresholdOfTheSettingsOnly) {
-    const DiskSpace space(20'000'000'000, 245'110'000'000);
-    EXPECT_FALSE(overview().isLow());
-    QSignalSpy changes(&overview(), &OverviewModel::capacityChanged);
-    auto settings = app().settings();
-    settings.lowSpaceWarningGB = 21;
-    app().setSettings(settings);
-    EXPECT_TRUE(overview().isLow());
-    EXPECT_EQ(changes.count(), 1);
-}
-
-TEST_F(OverviewModelTests, theHeadFollowsTheDisk) {
-    const DiskSpace before(50 * GB, 100 * GB);
-    auto& pane = overview();
-    QSignalSpy changes(&pane, &OverviewModel::capacityChanged);
-    const DiskSpace after(10 * GB, 100 * GB);
-    app().refreshDisk();
-    EXPECT_GE(changes.count(), 1);
-    EXPECT_EQ(pane.capacityText(), "10 GB kosong dari 100 GB");
-    EXPECT_TRUE(pane.isLow());
-}
-
-TEST_F(OverviewModelTests, noCapacityIsZeroAndLow) {
-    const DiskSpace space(0, 0);
-    EXPECT_EQ(overview().capacityText(), "0 byte kosong dari 0 byte");
-    EXPECT_EQ(overview().usedBytes(), 0);
-    EXPECT_TRUE(overview().isLow());
-}
-
-TEST_F(OverviewModelTests, capacitiesBeyondAllDisksAreTexts) {
-    const DiskSpace space(greatest, greatest);
-    EXPECT_EQ(overview().capacityText(), "9,22 EB kosong dari 9,22 EB");
-    EXPECT_EQ(overview().usedBytes(), 0);
-}
-
-TEST_F(OverviewModelTests, moreFreeThanThereIsMakesUsedNegative) {
-    const DiskSpace space(3 * GB, 1 * GB);
-    EXPECT_EQ(overview().usedBytes(), -2 * GB);
-}
-
 // Line of the scan
 
 TEST_F(OverviewModelTests, theLineTellsWhenAndHowLongWithItsSecondsCut) {
@@ -194,9 +144,9 @@ TEST_F(OverviewModelTests, durationsThatNoScanHasAreStillNumbers) {
                                          {0.999, "0"},
                                          {-0.5, "0"},
                                          {-3.9, "-3"},
-                                         {9.3e18, "9223372036854775807"},
-                                         {1e300, "9223372036854775807"},
-                                         {-1e300, "-9223372036854775808"}}) {
+                                         {9.3e18, "1000000000000000"},
+                                         {1e300, "1000000000000000"},
+                                         {-1e300, "-1000000000000000"}}) {
         report.duration = duration;
         EXPECT_EQ(overview().scanLine(), "Dipindai 2 jam yang lalu · " + text + " dtk");
         startAgain();
@@ -205,35 +155,17 @@ TEST_F(OverviewModelTests, durationsThatNoScanHasAreStillNumbers) {
 
 TEST_F(OverviewModelTests, whileShownTheLineKeepsUpWithTheClockOnceAMinute) {
     auto& pane = overview();
-    auto* timer = pane.findChild<QTimer*>();
-    ASSERT_NE(timer, nullptr);
-    EXPECT_FALSE(timer->isActive());
-
     QSignalSpy lines(&pane, &OverviewModel::scanLineChanged);
-    now += 1h;
-    pane.setIsShown(true);
-    EXPECT_EQ(pane.scanLine(), "Dipindai 3 jam yang lalu · 41 dtk");
-    EXPECT_EQ(lines.count(), 1);
-    EXPECT_TRUE(timer->isActive());
-    EXPECT_EQ(timer->intervalAsDuration(), 1min);
-
-    now += 1h;
-    timer->setInterval(1);
-    EXPECT_TRUE(waitFor([&] { return pane.scanLine() == "Dipindai 4 jam yang lalu · 41 dtk"; }));
-
-    pane.setIsShown(false);
-    EXPECT_FALSE(timer->isActive());
+    expectToFollow(*pane.clock(), lines, [this] { now += 1h; });
+    EXPECT_NE(pane.scanLine(), "Dipindai 2 jam yang lalu · 41 dtk");
 }
 
 TEST_F(OverviewModelTests, aLineThatStaysTheSameIsNotToldAgain) {
     auto& pane = overview();
     QSignalSpy lines(&pane, &OverviewModel::scanLineChanged);
-    QSignalSpy shown(&pane, &OverviewModel::isShownChanged);
     now += 1s;
-    pane.setIsShown(true);
-    pane.setIsShown(true);
+    pane.clock()->setIsShown(true);
     EXPECT_EQ(lines.count(), 0);
-    EXPECT_EQ(shown.count(), 1);
 }
 
 // Full Disk Access

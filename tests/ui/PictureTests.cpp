@@ -1,6 +1,5 @@
 #include "PictureSupport.h"
 
-#include <QQmlContext>
 #include <expected>
 
 namespace korvanti {
@@ -35,8 +34,8 @@ TEST_P(PictureTests, theOverviewOfACleanMac) {
 }
 
 TEST_P(PictureTests, theMacThatWasNeverScanned) {
-    engine().rootContext()->setContextProperty("overviewModel", &overview());
-    show("OverviewView { anchors.fill: parent; model: overviewModel }", GetParam().size);
+    show("OverviewView { anchors.fill: parent }", GetParam().size,
+         {{"frame", QVariant::fromValue(&frame())}, {"model", QVariant::fromValue(&overview())}});
     take("empty");
 }
 

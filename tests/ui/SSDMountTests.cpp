@@ -14,31 +14,9 @@ using ::testing::Not;
 
 class SSDMountTests : public SsdFixture {
 protected:
-    /// A folder that can be moved, in the list of the cleanup pane, and a drive to move it to.
-    void openWithArchives() {
-        mac.home.file("Library/Developer/Xcode/Archives/One/file", {.text = "12345"});
-        CleanupItem archives;
-        archives.title = "Arsip";
-        archives.path = archivesPath;
-        archives.bytes = 5;
-        archives.category = ItemCategory::xcode;
-        archives.safety = Safety::review;
-        archives.action = CleanupAction::trash();
-        archives.offloadable = true;
-        saveReport({archives});
-        plug("Kerja", {.uuid = "aa-1"});
-        model().setFilter(ItemFilter::all);
-        ASSERT_TRUE(sees(1));
-        model().setPane(Pane::cleanup);
-        window();
-        resize(1140, 900);
-    }
     /// Moved by the menu of its row, and the pane about it.
     void moveArchives() {
-        openWithArchives();
-        QTest::mouseClick(&window(), Qt::RightButton, Qt::NoModifier,
-                          place("row:" + QString(archivesPath)).center().toPoint());
-        settle(150);
+        openMenuOfArchives();
         click("offloadEntry");
         ASSERT_TRUE(isIdle());
         ASSERT_TRUE(waitFor([&] { return model().offloads().size() == 1; }));
@@ -50,7 +28,6 @@ protected:
         settle(150);
     }
 
-    static constexpr auto archivesPath = "/Users/tester/Library/Developer/Xcode/Archives";
     static constexpr auto movedPath =
         "/Volumes/Kerja/Korvanti Offload/Library/Developer/Xcode/Archives/One/file";
 };

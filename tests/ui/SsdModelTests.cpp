@@ -373,15 +373,19 @@ TEST_F(SsdModelTests, statusAndDateKeepUpWhileThePaneIsSeen) {
     std::filesystem::remove_all(path + "/Korvanti Offload/a");
     now += 24h;
     EXPECT_EQ(moved(0, "isAvailable"), "true");
-    pane().setIsShown(true);
-    EXPECT_TRUE(pane().isShown());
+    pane().clock()->setIsShown(true);
     EXPECT_EQ(moved(0, "statusText"), "Folder di SSD hilang");
     EXPECT_EQ(moved(0, "sizeLine"), "9,64 GB · 4 hari yang lalu");
     std::filesystem::create_directories(path + "/Korvanti Offload/a");
     pane().reload();
     EXPECT_EQ(moved(0, "isAvailable"), "true");
-    pane().setIsShown(false);
-    EXPECT_FALSE(pane().isShown());
+}
+
+TEST_F(SsdModelTests, datesAndStatusesAreLookedUpAgainOnlyWhileThePaneIsSeen) {
+    saveRecords({record("a", "/Volumes/Kerja/Korvanti Offload/a")});
+    QSignalSpy told(&pane(), &SsdModel::movedChanged);
+    expectToFollow(*pane().clock(), told, [this] { now += 24h; });
+    EXPECT_EQ(moved(0, "sizeLine"), "9,64 GB · 5 hari yang lalu") << "not of the third day, which nobody saw";
 }
 
 TEST_F(SsdModelTests, aRecordWhoseDriveIsPulledOutStaysAndCanBeForgotten) {

@@ -127,6 +127,29 @@ protected:
         resize(size.width(), size.height());
         settle();
     }
+    /// A folder that can be moved, in the list of the cleanup pane with its menu open, and a drive to move it
+    /// to.
+    void openMenuOfArchives() {
+        mac.home.file("Library/Developer/Xcode/Archives/One/file", {.text = "12345"});
+        CleanupItem archives;
+        archives.title = "Arsip";
+        archives.path = archivesPath;
+        archives.bytes = 5;
+        archives.category = ItemCategory::xcode;
+        archives.safety = Safety::review;
+        archives.action = CleanupAction::trash();
+        archives.offloadable = true;
+        saveReport({archives});
+        plug("Kerja", {.uuid = "aa-1"});
+        model().setFilter(ItemFilter::all);
+        ASSERT_TRUE(sees(1));
+        model().setPane(Pane::cleanup);
+        window();
+        resize(1140, 900);
+        QTest::mouseClick(&window(), Qt::RightButton, Qt::NoModifier,
+                          place("row:" + QString(archivesPath)).center().toPoint());
+        settle(150);
+    }
     /// An item by its name below another one.
     QQuickItem* findIn(const QString& above, const QString& name) {
         auto* const below = find(above);
@@ -161,6 +184,7 @@ protected:
     }
     bool isEnabledIn(const QString& above, const QString& name) { return itemIn(above, name).isEnabled(); }
 
+    static constexpr auto archivesPath = "/Users/tester/Library/Developer/Xcode/Archives";
     const ScopedVariable language{"LC_ALL", "id_ID.UTF-8"};
     BoxDrives drives{mac};
 

@@ -10,7 +10,9 @@
 #include <QGuiApplication>
 #include <QPalette>
 #include <QTest>
+#include <QTimer>
 #include <QtQml/QQmlExtensionPlugin>
+#include <chrono>
 #include <cstdio>
 #include <stdexcept>
 #include <utility>
@@ -65,6 +67,26 @@ void collectTexts(QQuickItem* item, QStringList& texts) {
 }
 
 } // namespace
+
+void expectToFollow(DateClock& clock, QSignalSpy& told, const std::function<void()>& pass) {
+    auto& minute = *clock.findChild<QTimer*>();
+    EXPECT_EQ(minute.intervalAsDuration(), std::chrono::minutes(1));
+    minute.setInterval(1);
+    const auto hidden = [&] {
+        told.clear();
+        pass();
+        spinFor(std::chrono::milliseconds(30));
+        EXPECT_EQ(told.count(), 0) << "nobody sees it";
+    };
+    hidden();
+    clock.setIsShown(true);
+    EXPECT_EQ(told.count(), 1) << "at once";
+    told.clear();
+    pass();
+    EXPECT_TRUE(told.wait());
+    clock.setIsShown(false);
+    hidden();
+}
 
 UiTests::UiTests() {
     guiApplication();
@@ -135,6 +157,18 @@ Theme& UiTests::theme() {
     import.setData("import QtQml\nimport Korvanti.Ui\nQtObject {}", QUrl());
     const std::unique_ptr<QObject> importing(import.create());
     return *engine_->singletonInstance<Theme*>(qmlTypeId("Korvanti.Ui", 1, 0, "Theme"));
+}
+
+CleanupItem UiTests::cache(const std::string& name, bool recommended) const {
+    CleanupItem made;
+    mac.home.file("Library/Caches/" + name + "/file", {.text = "12345"});
+    made.title = name;
+    made.path = mac.home.path("Library/Caches/" + name);
+    made.bytes = 31'460'000'000;
+    made.recommended = recommended;
+    made.safety = Safety::regenerable;
+    made.action = CleanupAction::delete_();
+    return made;
 }
 
 void UiTests::saveReport(std::vector<CleanupItem> items) const {

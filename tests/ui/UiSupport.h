@@ -12,15 +12,22 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QSignalSpy>
 #include <QString>
 #include <QStringList>
 #include <QVariantMap>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace korvanti::testing {
+
+/// The clock's ticks are told by that signal: one as soon as it is shown, others from then on, and none else.
+/// The minutes last but a moment here; `pass` is what happens in them.
+void expectToFollow(
+    DateClock& clock, QSignalSpy& told, const std::function<void()>& pass = [] {});
 
 /// The window over a model on the home of the Mac in the box, or one component alone, to look at and to click
 /// into. Items are found by their `objectName`. Runs in the box.
@@ -50,6 +57,8 @@ protected:
     [[nodiscard]] QQmlEngine& engine() { return *engine_; }
     [[nodiscard]] Theme& theme();
 
+    /// A folder that can be cleaned, of 31.46 GB to believe the report.
+    [[nodiscard]] CleanupItem cache(const std::string& name, bool recommended = true) const;
     /// What the model finds at its start.
     void saveReport(std::vector<CleanupItem> items) const;
 

@@ -8,7 +8,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <latch>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace korvanti {
 namespace {
@@ -18,17 +20,6 @@ using namespace std::chrono_literals;
 
 class WindowTests : public UiTests {
 protected:
-    [[nodiscard]] CleanupItem cache(const std::string& name) const {
-        CleanupItem made;
-        mac.home.file("Library/Caches/" + name + "/file", {.text = "12345"});
-        made.title = name;
-        made.path = mac.home.path("Library/Caches/" + name);
-        made.bytes = 31'460'000'000;
-        made.recommended = true;
-        made.safety = Safety::regenerable;
-        made.action = CleanupAction::delete_();
-        return made;
-    }
     void open() {
         saveReport({cache("one")});
         window();
@@ -46,6 +37,28 @@ TEST_F(WindowTests, hasItsTitleAndItsSizes) {
     EXPECT_EQ(window().size(), QSize(1140, 760));
     EXPECT_EQ(window().minimumSize(), QSize(960, 620));
     EXPECT_EQ(item("pane0").mapToScene({}).x(), 10);
+}
+
+TEST_F(WindowTests, theDatesOfJustThePaneThatIsSeenKeepUpWithTheClock) {
+    open();
+    const std::vector<DateClock*> clocks = {overview().clock(), cleanup().items()->clock(),
+                                            map().clock(),      apps().rows()->clock(),
+                                            ssd().clock(),      history().clock()};
+    const auto expectShown = [&](std::optional<std::size_t> shown) {
+        for (std::size_t pane = 0; pane < clocks.size(); ++pane)
+            EXPECT_EQ(clocks[pane]->isShown(), pane == shown) << pane;
+    };
+    for (std::size_t pane = 0; pane < clocks.size(); ++pane) {
+        frame().choosePane(static_cast<int>(pane));
+        expectShown(pane);
+    }
+    window().hide();
+    expectShown(std::nullopt);
+    window().show();
+    expectShown(5);
+    window().showMinimized();
+    expectShown(std::nullopt);
+    EXPECT_FALSE(frame().clock()->isShown()) << "the panel";
 }
 
 TEST_F(WindowTests, aClickOnARowShowsItsPane) {

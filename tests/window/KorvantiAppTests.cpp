@@ -61,17 +61,6 @@ protected:
         settle();
         adopt(*app().panel());
     }
-    [[nodiscard]] CleanupItem cache(const std::string& name, bool recommended = true) const {
-        CleanupItem made;
-        mac.home.file("Library/Caches/" + name + "/file", {.text = "12345"});
-        made.title = name;
-        made.path = mac.home.path("Library/Caches/" + name);
-        made.bytes = 31'460'000'000;
-        made.recommended = recommended;
-        made.safety = Safety::regenerable;
-        made.action = CleanupAction::delete_();
-        return made;
-    }
     /// As the system does when its user wants to shut down, or chooses "Quit".
     static void askToQuit() {
         QEvent wish(QEvent::Quit);
@@ -96,6 +85,16 @@ TEST_F(KorvantiAppTests, theWindowIsOpenAndThePanelIsNot) {
     EXPECT_TRUE(app().window()->isVisible());
     EXPECT_FALSE(app().panel()->isVisible());
     EXPECT_EQ(app().window()->title(), "Korvanti");
+}
+
+TEST_F(KorvantiAppTests, theDatesOfThePanelKeepUpWithTheClockWhileItIsOpen) {
+    saveReport({cache("one")});
+    const auto* clock = app().panel()->property("frame").value<FrameModel*>()->clock();
+    EXPECT_FALSE(clock->isShown());
+    openPanel();
+    EXPECT_TRUE(clock->isShown());
+    app().panel()->hide();
+    EXPECT_FALSE(clock->isShown());
 }
 
 TEST_F(KorvantiAppTests, theItemShowsWhatIsFreeAndFollowsIt) {
