@@ -15,6 +15,7 @@
 #include "shell/Background.h"
 #include "shell/Desktop.h"
 #include "shell/ItemFilter.h"
+#include "shell/Pane.h"
 
 #include <QObject>
 #include <QTimer>

@@ -134,8 +134,10 @@ void KorvantiApp::togglePanel() {
     if (const auto place = item_->place())
         item = QRect(place->x, place->y, place->width, place->height);
     const auto* const under = item ? QGuiApplication::screenAt(item->center()) : nullptr;
-    const auto& screen = under ? *under : *QGuiApplication::primaryScreen();
-    panel_->setPosition(panelPosition(item, panel_->size(), screen.availableGeometry()));
+    const auto* const screen = under ? under : QGuiApplication::primaryScreen();
+    if (screen == nullptr) // all are switched off
+        return;
+    panel_->setPosition(panelPosition(item, panel_->size(), screen->availableGeometry()));
     panel_->show();
     panel_->raise();
     panel_->requestActivate();

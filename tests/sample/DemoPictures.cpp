@@ -1,5 +1,7 @@
+#include "platform/Platform.h"
 #include "shell/AppModel.h"
 #include "shell/Desktop.h"
+#include "shell/Pane.h"
 #include "start/ProcessStart.h"
 #include "ui/Ui.h"
 #include "ui/WindowModels.h"

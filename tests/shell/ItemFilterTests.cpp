@@ -1,5 +1,7 @@
 #include "shell/ItemFilter.h"
 
+#include "shell/Pane.h"
+
 #include <gtest/gtest.h>
 #include <string>
 #include <utility>
