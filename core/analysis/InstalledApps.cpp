@@ -109,7 +109,7 @@ bool isOfTheSystem(std::string_view identifier) {
 /// What the identifiers of applications say of locations: who owns which.
 class Owners {
 public:
-    Owners(std::string home, std::set<std::string> identifiers)
+    Owners(const std::string& home, std::set<std::string> identifiers)
         : library_(PathTools::joined(home, "Library")), identifiers_(std::move(identifiers)) {}
 
     /// Nothing that the system or another application has the better claim to: one whose longer identifier
