@@ -612,14 +612,21 @@ bool AppModel::setLoginItem(bool enabled) {
 }
 
 void AppModel::openFullDiskAccessSettings() {
-    desktop_->openFullDiskAccessSettings();
+    desktop_->openFullDiskAccessSettings(openedOrTold("pengaturan Full Disk Access"));
 }
 
 void AppModel::reveal(const std::string& path) {
     if (PathTools::exists(path))
-        desktop_->reveal(path);
-    else if (const auto folder = PathTools::parent(path); !folder.empty())
-        desktop_->openFolder(std::string(folder));
+        desktop_->reveal(path, openedOrTold(PathTools::abbreviatingHome(path)));
+    else if (const std::string folder(PathTools::parent(path)); !folder.empty())
+        desktop_->openFolder(folder, openedOrTold(PathTools::abbreviatingHome(folder)));
+}
+
+Desktop::Answer AppModel::openedOrTold(const std::string& what) {
+    return [this, what](const Desktop::Result& result) {
+        if (!result)
+            fail("Tidak bisa membuka " + what + ": " + result.error());
+    };
 }
 
 bool AppModel::isRunning(const InstalledApp& app) const {

@@ -203,6 +203,8 @@ private:
     void finishMove();
     void tellIfEnded();
     void fail(std::string message);
+    /// What to do with the desktop's answer: tells of its failure to open `what`, in words.
+    [[nodiscard]] Desktop::Answer openedOrTold(const std::string& what);
     void notice(std::string message);
 
     std::string home_;

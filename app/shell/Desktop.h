@@ -30,11 +30,12 @@ public:
     [[nodiscard]] virtual bool isLoginItem() const = 0;
     virtual Result setLoginItem(bool enabled) = 0;
     /// Opens the system's page on Full Disk Access, where it has one, and shows this program, so that it can
-    /// be dragged there.
-    virtual void openFullDiskAccessSettings() = 0;
+    /// be dragged there. Answers once it is known whether something was opened, perhaps before this returns;
+    /// so do the next two.
+    virtual void openFullDiskAccessSettings(const Answer& answer) = 0;
     /// Shows something that exists in the file manager.
-    virtual void reveal(const std::string& path) = 0;
-    virtual void openFolder(const std::string& path) = 0;
+    virtual void reveal(const std::string& path, const Answer& answer) = 0;
+    virtual void openFolder(const std::string& path, const Answer& answer) = 0;
     /// The user has that application open.
     [[nodiscard]] virtual bool isRunning(const InstalledApp& app) const = 0;
     /// Asks an open application to end, and does not wait for it: it may have something to save, and may

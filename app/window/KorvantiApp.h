@@ -38,6 +38,8 @@ public:
     /// To be called when the event loop has ended: waits for what must not be cut off.
     void awaitEnd() { model_.awaitEnd(); }
 
+    void showWindow();
+
     [[nodiscard]] AppModel& model() { return model_; }
     [[nodiscard]] FrameModel& frame() { return panes_.frame; }
     [[nodiscard]] QQuickWindow* window() { return window_.get(); }
@@ -51,7 +53,6 @@ signals:
 
 private:
     std::unique_ptr<QQuickWindow> load(const QString& file, const QVariantMap& properties);
-    void showWindow();
     void showSettings();
     void togglePanel();
     void updateItem();

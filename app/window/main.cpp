@@ -1,8 +1,10 @@
 #include "analysis/DiskInspector.h"
 #include "platform/Platform.h"
+#include "settings/AppPaths.h"
 #include "start/ProcessStart.h"
 #include "window/CommandMenu.h"
 #include "window/KorvantiApp.h"
+#include "window/SingleInstance.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -48,13 +50,27 @@ int main(int argc, char** argv) {
     icon.addPixmap(QIcon(":/qt/qml/Korvanti/Ui/art/application-16.svg").pixmap(16));
     QApplication::setWindowIcon(icon);
 
+    korvanti::SingleInstance instance(korvanti::AppPaths::support());
+    switch (instance.start()) {
+    case korvanti::SingleInstance::Start::goOn:
+        break;
+    case korvanti::SingleInstance::Start::asked:
+        return 0;
+    case korvanti::SingleInstance::Start::noAnswer:
+        std::fputs("Korvanti sudah berjalan, tetapi jendelanya tidak bisa dibuka.\n", stderr);
+        return 1;
+    }
+
     korvanti::KorvantiApp app(korvanti::systemDesktop(korvanti::Platform::homeFolder()));
     const korvanti::CommandMenu menu(app.frame());
     // Not `quit`, which asks first.
     QObject::connect(&app, &korvanti::KorvantiApp::finished, [] { QApplication::exit(0); });
     if (!app.open())
         return 1;
+    QObject::connect(&instance, &korvanti::SingleInstance::showRequested, &app,
+                     &korvanti::KorvantiApp::showWindow);
     const int status = QApplication::exec();
+    instance.stopAnswering();
     app.awaitEnd();
     std::fflush(nullptr);
     std::_Exit(status); // what only reads may still be at it

@@ -92,6 +92,13 @@ constexpr std::array<std::string_view, 12> sharedNames = {
     "oracle", "caches",    "cache", "logs",  "data",      "app",
 };
 
+constexpr std::array<std::string_view, 4> personalFolders = {
+    "Application Support/AddressBook",
+    "Application Support/CallHistoryDB",
+    "Application Support/CloudDocs",
+    "Application Support/MobileSync",
+};
+
 constexpr std::array<std::pair<std::string_view, std::string_view>, 10> kindsOfLocations = {{
     {"Application Support", "Data aplikasi"},
     {"Caches", "Cache"},

@@ -27,6 +27,10 @@ extern const std::array<std::string_view, 3> nameFolders;
 /// Names under which vendors or everybody keep things: never one application's own.
 extern const std::array<std::string_view, 12> sharedNames;
 
+/// Folders of a library, relative to it, that hold the user's own and no application's: backups of devices
+/// first of all.
+extern const std::array<std::string_view, 4> personalFolders;
+
 /// What lies in which folder of a library, in words.
 extern const std::array<std::pair<std::string_view, std::string_view>, 10> kindsOfLocations;
 

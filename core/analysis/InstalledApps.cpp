@@ -82,13 +82,69 @@ InstalledApp described(const std::string& bundle) {
     return app;
 }
 
+/// The identifiers of the applications themselves, without what is inside them.
+std::set<std::string> applicationIdentifiers(const std::vector<std::string>& roots) {
+    std::set<std::string> identifiers;
+    for (const auto& root : roots) {
+        for (const auto& entry : PathTools::children(root)) {
+            if (PathTools::pathExtension(entry) == "app")
+                insertIdentifier(entry, identifiers);
+        }
+    }
+    return identifiers;
+}
+
+/// All parts of the identifier stand in the name, in a row: "group.com.contoh.a.share" names "com.contoh.a".
+/// A Mac's disk makes no difference between cases, so neither does this.
+bool isNamedIn(std::string_view name, std::string_view identifier) {
+    const auto withDots = [](std::string_view text) { return "." + Text::lowercased(text) + "."; };
+    return withDots(name).contains(withDots(identifier));
+}
+
+bool isOfTheSystem(std::string_view identifier) {
+    const auto lower = Text::lowercased(identifier);
+    return lower == "com.apple" || lower.starts_with("com.apple.");
+}
+
+/// What the identifiers of applications say of locations: who owns which.
+class Owners {
+public:
+    Owners(const std::string& home, std::set<std::string> identifiers)
+        : library_(PathTools::joined(home, "Library")), identifiers_(std::move(identifiers)) {}
+
+    /// Nothing that the system or another application has the better claim to: one whose longer identifier
+    /// is in the name.
+    [[nodiscard]] bool mayBelongTo(const InstalledApp& app, const std::string& location) const {
+        const auto name = PathTools::lastComponent(location);
+        if (isNamedIn(name, "com.apple") || isPersonal(location))
+            return false;
+        const auto claim = [&](const std::string& identifier) {
+            return identifier.contains('.') && isNamedIn(name, identifier) ? identifier.size() : 0;
+        };
+        const auto own = app.bundleID ? claim(*app.bundleID) : 0;
+        return std::ranges::none_of(identifiers_, [&](const auto& other) { return claim(other) > own; });
+    }
+
+private:
+    [[nodiscard]] bool isPersonal(const std::string& location) const {
+        return std::ranges::any_of(AppRules::personalFolders, [&](std::string_view folder) {
+            return Text::lowercased(location) == Text::lowercased(PathTools::joined(library_, folder));
+        });
+    }
+
+    std::string library_;
+    std::set<std::string> identifiers_;
+};
+
 /// The locations that could be removed along with an application. The system's own give none.
 std::vector<std::string> removableLocations(const InstalledApp& app, const std::string& home,
-                                            const SafetyGuard& guard) {
-    if (app.bundleID && app.bundleID->starts_with("com.apple."))
+                                            const SafetyGuard& guard, const Owners& owners) {
+    if (app.bundleID && isOfTheSystem(*app.bundleID))
         return {};
     auto locations = dataLocations(app.bundleID, app.name, home);
-    std::erase_if(locations, [&](const std::string& path) { return !guard.validate(path, {}); });
+    std::erase_if(locations, [&](const std::string& path) {
+        return !owners.mayBelongTo(app, path) || !guard.validate(path, {});
+    });
     return locations;
 }
 
@@ -112,10 +168,10 @@ bool isGroupOf(std::string_view name, const std::string& identifier) {
            name.starts_with("group." + identifier) || name.contains("." + identifier + ".");
 }
 
-/// A name may have several parts ("Vendor/Product").
+/// One of several parts ("Vendor/Product") leads into a folder that others share.
 bool isOwnName(std::string_view name) {
     constexpr std::size_t shortest = 3;
-    return PathTools::leadsDown(name) && Text::characterCount(name) >= shortest &&
+    return PathTools::isEntryName(name) && Text::characterCount(name) >= shortest &&
            std::ranges::find(AppRules::sharedNames, Text::lowercased(name)) == AppRules::sharedNames.end();
 }
 
@@ -181,10 +237,11 @@ std::vector<InstalledApp> list(const std::string& home, Instant now, SizeLedger&
 std::vector<InstalledApp> list(const std::vector<std::string>& roots, const std::string& home, Instant now,
                                SizeLedger& sizes, ListOptions options) {
     const SafetyGuard guard(home);
+    const Owners owners(home, applicationIdentifiers(roots));
     std::vector<Candidate> candidates;
     for (const auto& bundle : removableBundles(roots)) {
         auto app = described(bundle);
-        auto locations = removableLocations(app, home, guard);
+        auto locations = removableLocations(app, home, guard, owners);
         candidates.push_back({std::move(app), std::move(locations)});
     }
 

@@ -8,6 +8,7 @@
 #include "cleaning/TreeRemover.h"
 #include "fs/PathTools.h"
 #include "process/Shell.h"
+#include "process/SimulatorLists.h"
 #include "process/Toolchain.h"
 
 #include <algorithm>
@@ -37,6 +38,8 @@ Result succeeded(std::int64_t freedBytes, std::string message) {
 Result failed(std::string message) {
     return {.success = false, .freedBytes = 0, .message = std::move(message)};
 }
+
+constexpr const char* simulatorRuns = "Sedang berjalan. Matikan simulator dulu.";
 
 bool isOfGradle(const CleanupItem& item) {
     return item.path.contains("/.gradle/");
@@ -92,6 +95,20 @@ Result withRelated(const std::vector<std::string>& skipped, Result whole) {
     return failed("Sebagian dilewati: " + names);
 }
 
+/// What the simulator tool says now: a report may be old. Where it says nothing of the device, it doesn't
+/// run.
+bool isSimulatorRunning(const std::string& udid) {
+    const auto result = Toolchain::simctl({"list", "devices", "-j"}, std::chrono::seconds(60));
+    const auto list = result && result->ok() ? SimulatorLists::devices(result->out) : std::nullopt;
+    const auto wanted = Text::lowercased(udid);
+    return list && std::ranges::any_of(list->devices, [&](const auto& group) {
+               return std::ranges::any_of(group.devices, [&](const SimulatorLists::Device& device) {
+                   return Text::lowercased(device.udid) == wanted &&
+                          (device.state == "Booted" || device.state == "Booting");
+               });
+           });
+}
+
 Result simulatorResult(const std::vector<std::string>& arguments, Shell::Seconds timeout,
                        const CleanupItem& item, std::string message) {
     const auto result = Toolchain::simctl(arguments, timeout);
@@ -134,9 +151,13 @@ Result clean(const Cleaner& cleaner, const SafetyGuard& guard, const CleanupItem
     const auto& payload = item.action.payload;
     switch (item.action.kind) {
     case Kind::simulatorErase:
+        if (isSimulatorRunning(payload))
+            return failed(simulatorRuns);
         static_cast<void>(Toolchain::simctl({"shutdown", payload}, seconds(60)));
         return simulatorResult({"erase", payload}, seconds(180), item, "Simulator di-reset");
     case Kind::simulatorDelete:
+        if (isSimulatorRunning(payload))
+            return failed(simulatorRuns);
         return simulatorResult({"delete", payload}, seconds(180), item, "Simulator dihapus");
     case Kind::simulatorRuntimeDelete:
         return simulatorResult({"runtime", "delete", payload}, seconds(600), item, "Runtime dihapus");

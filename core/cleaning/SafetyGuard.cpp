@@ -51,12 +51,12 @@ bool holdsSecrets(std::string_view name) {
 
 /// By a path relative to the home folder. What lies directly in there must stay, whatever its name.
 bool isProtected(std::string_view relative) {
+    const auto isWithin = [&](std::string_view tree) { return PathTools::isSameOrAncestor(tree, relative); };
     return !relative.contains('/') ||
            std::ranges::any_of(SafetyGuardTables::protectedRoots,
                                [&](std::string_view root) { return relative == root; }) ||
-           std::ranges::any_of(SafetyGuardTables::protectedTrees, [&](std::string_view tree) {
-               return PathTools::isSameOrAncestor(tree, relative);
-           });
+           std::ranges::any_of(SafetyGuardTables::protectedTrees, isWithin) ||
+           std::ranges::any_of(SafetyGuardTables::ownTrees, isWithin);
 }
 
 bool isApplicationBundle(std::string_view path, const std::string& home) {
@@ -177,19 +177,23 @@ HeldVerdict spellingVerdict(const PinnedEntry& entry, const std::string& home) {
             return std::unexpected(GuardError{Kind::protectedPath, entry.path()});
         return {};
     };
-    for (const auto root : SafetyGuardTables::protectedRoots) {
-        if (plain != folded(root))
-            continue;
-        if (auto verdict = verdictOn(root); !verdict)
-            return verdict;
-    }
-    for (const auto tree : SafetyGuardTables::protectedTrees) {
-        if (!PathTools::isSameOrAncestor(folded(tree), plain))
-            continue;
-        if (auto verdict = verdictOn(tree); !verdict)
-            return verdict;
-    }
-    return {};
+    const auto firstRefusal = [&](const auto& places, auto concerns) -> HeldVerdict {
+        for (const auto place : places) {
+            if (!concerns(folded(place)))
+                continue;
+            if (auto verdict = verdictOn(place); !verdict)
+                return verdict;
+        }
+        return {};
+    };
+    const auto isWithin = [&](std::string_view tree) { return PathTools::isSameOrAncestor(tree, plain); };
+    auto verdict =
+        firstRefusal(SafetyGuardTables::protectedRoots, [&](std::string_view root) { return plain == root; });
+    if (verdict)
+        verdict = firstRefusal(SafetyGuardTables::protectedTrees, isWithin);
+    if (verdict)
+        verdict = firstRefusal(SafetyGuardTables::ownTrees, isWithin);
+    return verdict;
 }
 
 } // namespace

@@ -101,4 +101,8 @@ constexpr std::array<std::string_view, 28> protectedTrees = {
     ".gradle/init.d",
 };
 
+constexpr std::array<std::string_view, 1> ownTrees = {
+    "Library/Application Support/Korvanti",
+};
+
 } // namespace korvanti::SafetyGuardTables

@@ -15,4 +15,7 @@ extern const std::array<std::string_view, 35> protectedRoots;
 /// Never touched, neither themselves nor anything below them.
 extern const std::array<std::string_view, 28> protectedTrees;
 
+/// Likewise: what the program itself remembers, first of all what it did and what it moved where.
+extern const std::array<std::string_view, 1> ownTrees;
+
 } // namespace korvanti::SafetyGuardTables

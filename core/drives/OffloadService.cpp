@@ -132,6 +132,14 @@ std::string volumeRootOf(const std::string& path) {
     return pieces.size() >= 2 && pieces[0] == "Volumes" ? "/Volumes/" + std::string(pieces[1]) : "/";
 }
 
+/// Another one than the record's is mounted there now, as far as both are known.
+bool isAnotherVolume(const std::string& mountPath, const std::optional<std::string>& uuid) {
+    return uuid &&
+           std::ranges::any_of(Platform::mountedVolumes(), [&](const Platform::MountedVolume& volume) {
+               return volume.mountPath == mountPath && volume.uuid && volume.uuid != uuid;
+           });
+}
+
 std::string manifestOn(const std::string& mountPath) {
     return PathTools::joined(PathTools::joined(mountPath, OffloadService::folderName), "manifest.json");
 }
@@ -357,6 +365,9 @@ std::expected<void, DriveFailure> OffloadService::restore(const OffloadRecord& r
     const auto root = VolumeFolder::open(volumeRootOf(stored));
     if (!root)
         return failure(root.error());
+    // A plain folder is what a drive that dropped out, or somebody, left at its path.
+    if (!root->isMounted() || isAnotherVolume(root->mountPath(), record.volumeUUID))
+        return failure(Kind::volumeMissing);
     const auto lock = root->lock();
     if (!lock)
         return failure(lock.error());

@@ -38,7 +38,8 @@ FileDescriptor step(int parent, const std::string& name) {
 
 std::expected<FileDescriptor, FileError> create(int base, const std::string& basePath,
                                                 std::string_view relative) {
-    const auto path = PathTools::joined(basePath, relative);
+    const auto start = std::min(relative.find_first_not_of('/'), relative.size());
+    const auto path = PathTools::joined(basePath, relative.substr(start));
     const auto names = Text::pieces(relative, '/');
     if (!std::ranges::all_of(names, PathTools::isEntryName))
         return std::unexpected(fileErrorOf(EINVAL, path));

@@ -63,6 +63,21 @@ bool looksLikeSource(const std::string& folder) {
     });
 }
 
+/// The folder or one directly in it is a repository of its own, of which index and git need not know.
+/// Packages with a scope lie one folder deeper; repositories that build tools fetch lie deeper still.
+bool isAroundRepository(const std::string& folder) {
+    const auto isRepository = [](const std::string& inside) {
+        return PathTools::exists(PathTools::joined(inside, ".git"));
+    };
+    const bool holdsPackages = PathTools::lastComponent(folder) == "node_modules";
+    return isRepository(folder) ||
+           std::ranges::any_of(PathTools::subfolders(folder), [&](const auto& inside) {
+               const bool isScope = holdsPackages && PathTools::lastComponent(inside).starts_with('@');
+               return isRepository(inside) ||
+                      (isScope && std::ranges::any_of(PathTools::subfolders(inside), isRepository));
+           });
+}
+
 Candidate unknown(const std::string& folder, std::string title, std::int64_t minBytes) {
     return {.url = folder,
             .title = std::move(title),
@@ -123,7 +138,7 @@ Candidate xcodeBuildPart(const std::string& folder, const std::string& place) {
 std::vector<Candidate> xcodeBuild(const std::string& folder, const std::string& place) {
     std::vector<Candidate> candidates;
     for (const auto& part : PathTools::subfolders(folder)) {
-        if (!isProtected(PathTools::lastComponent(part)))
+        if (!isProtected(PathTools::lastComponent(part)) && !isAroundRepository(part))
             candidates.push_back(xcodeBuildPart(part, place));
     }
     return candidates;
@@ -218,7 +233,8 @@ private:
         // Somebody's project is no artifact, though there may be some in it.
         if (!isKnown(name) && !isProtected(name) && looksLikeSource(folder))
             return walked(folder, 0);
-        return classified(folder, Ignored::yes);
+        auto own = classified(folder, Ignored::yes);
+        return own.empty() || isAroundRepository(folder) ? std::vector<Candidate>() : std::move(own);
     }
 
     /// The folder is the root of a repository, or one lies below.
@@ -242,6 +258,8 @@ private:
             std::vector<Candidate> own;
             if (isKnown(name))
                 own = classified(subfolder, Ignored::no);
+            if (!own.empty() && (holdsRepository(subfolder) || isAroundRepository(subfolder)))
+                continue;
             // A build folder is never entered: where it gives nothing, it has no folders but secrets.
             if (own.empty() && name != buildFolder && !name.starts_with('.'))
                 own = walked(subfolder, depth + 1);

@@ -3,8 +3,8 @@
 #include "base/CheckedMath.h"
 #include "base/Formatters.h"
 #include "fs/PathTools.h"
+#include "process/SimulatorLists.h"
 #include "process/Toolchain.h"
-#include "providers/SimulatorLists.h"
 
 #include <cstdint>
 #include <optional>

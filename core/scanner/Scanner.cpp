@@ -75,7 +75,9 @@ ScanReport Scanner::run(const Providers& providers, const Progress& progress) co
     const auto startedAt = currentInstant();
     progress("Mengindeks proyek…");
     constexpr int deepest = 6; // folders below a project root
-    const auto devRoots = settings.resolvedDevRoots(home);
+    auto devRoots = settings.resolvedDevRoots(home);
+    for (auto& root : devRoots) // in one spelling, by which what is found twice is told to be the same
+        root = PathTools::standardized(root);
     const ScanContext context = {.home = home,
                                  .devRoots = devRoots,
                                  .inactiveDays = settings.inactiveDays,

@@ -6,6 +6,7 @@
 #include "support/TempFolder.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -260,6 +261,12 @@ TEST(AppRulesTests, knowsTheSharedNames) {
     EXPECT_THAT(AppRules::sharedNames,
                 ElementsAre("google", "microsoft", "apple", "adobe", "jetbrains", "mozilla", "oracle",
                             "caches", "cache", "logs", "data", "app"));
+}
+
+TEST(AppRulesTests, knowsTheUsersOwnFolders) {
+    EXPECT_THAT(AppRules::personalFolders,
+                ElementsAre("Application Support/AddressBook", "Application Support/CallHistoryDB",
+                            "Application Support/CloudDocs", "Application Support/MobileSync"));
 }
 
 TEST(AppRulesTests, knowsTheKindOfEachLocation) {
@@ -639,9 +646,9 @@ TEST_F(DataLocationsTests, whatAnApplicationCallsItselfLeadsNowhereElse) {
     EXPECT_THAT(found(std::string("./\0.", 4), std::string("Google\0x", 8)), IsEmpty());
 }
 
-TEST_F(DataLocationsTests, aNameOfSeveralPartsIsAFolderInAFolder) {
-    put({"Caches/Google/Chrome"});
-    EXPECT_EQ(found(std::nullopt, "Google/Chrome"), (Paths{"Caches/Google/Chrome"}));
+TEST_F(DataLocationsTests, aNameOfSeveralPartsIsNoName) {
+    put({"Caches/Google/Chrome", "Application Support/Google/Chrome"});
+    EXPECT_THAT(found(std::nullopt, "Google/Chrome"), IsEmpty());
 }
 
 TEST_F(DataLocationsTests, aHomeMayBeWrittenWithASlashBehind) {
@@ -688,6 +695,11 @@ protected:
     }
     [[nodiscard]] std::string library(const std::string& path) const {
         return temp.path("home/Library/" + path);
+    }
+    static Paths places(const InstalledApp& app) {
+        Paths places;
+        std::ranges::transform(app.data, std::back_inserter(places), &AppDataLocation::path);
+        return places;
     }
 
     TempFolder temp;
@@ -893,6 +905,87 @@ TEST_F(ListTests, anApplicationOfTheSystemHasNoData) {
     EXPECT_EQ(app.dataActivity, std::nullopt);
     EXPECT_EQ(app.role, AppRole::system);
     EXPECT_EQ(app.advice, "Bawaan macOS");
+}
+
+TEST_F(ListTests, anIdentifierThatIsTheSystemsInAnyCaseHasNoData) {
+    for (const auto* identifier : {"com.apple", "COM.Apple", "com.Apple.contoh", "Com.apple.x.y"}) {
+        application("one/Catatan.app", identifier);
+        data("Containers/com.apple.mail/file", {.allocatedBytes = 4096});
+        data("Containers/com.Apple.contoh/file", {.allocatedBytes = 4096});
+        data("Caches/" + std::string(identifier) + "/file", {.allocatedBytes = 4096});
+        EXPECT_THAT(only().data, IsEmpty()) << identifier;
+    }
+}
+
+TEST_F(ListTests, whatIsNamedAfterTheSystemIsNoApplicationsData) {
+    application("one/com.apple.mail.app", "apple.mail");
+    data("Caches/com.apple.mail/file", {.allocatedBytes = 4096});
+    data("Group Containers/group.com.apple.mail/file", {.allocatedBytes = 4096});
+    data("Group Containers/group.COM.Apple.x.apple.mail/file", {.allocatedBytes = 4096});
+    data("Group Containers/TEAM.groups.com.apple.mail/file", {.allocatedBytes = 4096});
+    data("Group Containers/com.appleseed.apple.mail/file", {.allocatedBytes = 4096});
+    EXPECT_EQ(places(only()), (Paths{library("Group Containers/com.appleseed.apple.mail")}));
+}
+
+TEST_F(ListTests, whatALongerIdentifierOfAnotherApplicationNamesIsItsOwn) {
+    application("one/Note.app", "id.contoh.Note");
+    data("Group Containers/group.id.contoh.Note/file", {.allocatedBytes = 4096});
+    data("Group Containers/group.id.contoh.Notebook/file", {.allocatedBytes = 4096});
+    data("Group Containers/group.id.contoh.Notebook.share/file", {.allocatedBytes = 4096});
+    data("Group Containers/group.id.contoh.Notes/file", {.allocatedBytes = 4096});
+    data("Containers/id.contoh.Note.share/file", {.allocatedBytes = 4096});
+    data("Containers/id.contoh.Note.pro/file", {.allocatedBytes = 4096});
+    data("Containers/id.contoh.Note.PRO.share/file", {.allocatedBytes = 4096});
+    data("Containers/id.contoh.Note.professional/file", {.allocatedBytes = 4096});
+    const auto all = only().data;
+    EXPECT_THAT(all, SizeIs(8));
+
+    application("two/Notebook.app", "ID.contoh.notebook");
+    application("two/Pro.app", "id.contoh.Note.pro");
+    for (const auto& app : list()) {
+        if (app.name == "Note") {
+            EXPECT_THAT(places(app), UnorderedElementsAre(library("Group Containers/group.id.contoh.Note"),
+                                                          library("Group Containers/group.id.contoh.Notes"),
+                                                          library("Containers/id.contoh.Note.share"),
+                                                          library("Containers/id.contoh.Note.professional")));
+        }
+        if (app.name == "Pro") {
+            EXPECT_EQ(places(app), (Paths{library("Containers/id.contoh.Note.pro")}));
+        }
+    }
+}
+
+TEST_F(ListTests, aHelperInsideAnApplicationLeavesItItsData) {
+    application("one/Note.app", "id.contoh.Note");
+    application("one/Note.app/Contents/PlugIns/Share.appex", "id.contoh.Note.share");
+    application("two/Note.app", "id.contoh.Note");
+    data("Containers/id.contoh.Note.share/file", {.allocatedBytes = 4096});
+    for (const auto& app : list())
+        EXPECT_THAT(app.data, SizeIs(1)) << app.path;
+}
+
+TEST_F(ListTests, aNameThatIsTheIdentifierOfAnotherApplicationGivesNothing) {
+    application("one/id.contoh.b.app", "id.contoh.lain");
+    application("two/B.app", "id.contoh.b");
+    application("two/Tanpa.app", "Catatan");
+    application("two/Catatan.app", "id.contoh.c");
+    data("Caches/id.contoh.b/file", {.allocatedBytes = 4096});
+    data("Caches/Catatan/file", {.allocatedBytes = 4096});
+    for (const auto& app : list())
+        EXPECT_THAT(app.data, SizeIs(app.name == "B" || app.name == "Catatan" ? 1 : 0)) << app.name;
+}
+
+TEST_F(ListTests, theUsersOwnFoldersAreNoApplicationsData) {
+    for (const std::string name : {"MobileSync", "AddressBook", "CallHistoryDB", "CloudDocs"}) {
+        application("one/" + name + ".app", "com.contoh.a");
+        data("Application Support/" + name + "/file", {.allocatedBytes = 4096});
+        data("Caches/" + name + "/file", {.allocatedBytes = 4096});
+        EXPECT_EQ(places(list().at(0)), (Paths{library("Caches/" + name)})) << name;
+        std::filesystem::remove_all(temp.path("one"));
+    }
+    application("one/mobilesync.app", "com.contoh.a");
+    data("Application Support/mobilesync/file", {.allocatedBytes = 4096});
+    EXPECT_THAT(only().data, IsEmpty());
 }
 
 TEST_F(ListTests, whatTheGuardRefusesIsNoData) {

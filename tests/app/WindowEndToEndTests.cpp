@@ -2,6 +2,7 @@
 #include "Screen.h"
 #include "settings/AppPaths.h"
 
+#include <csignal>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <utility>
@@ -89,6 +90,24 @@ TEST_F(WindowEndToEnd, theSheetIsCancelledByTheKeyboard) {
     EXPECT_TRUE(std::filesystem::exists(mac.home.path("Library/Developer/CoreSimulator/Caches/contents")));
     EXPECT_FALSE(std::filesystem::exists(AppPaths::activity()));
     EXPECT_EQ(program.ended(), std::nullopt);
+}
+
+TEST_F(WindowEndToEnd, aUserHasOneProgramRunningWhoeverCrashed) {
+    occupy("Library/Developer/CoreSimulator/Caches", 200'000'000);
+    auto first = start();
+    ASSERT_TRUE(hasScanned());
+    auto second = start();
+    EXPECT_TRUE(Screen::waitUntil([&] { return second.ended().has_value(); }));
+    EXPECT_EQ(second.ended(), 0);
+    EXPECT_EQ(first.ended(), std::nullopt);
+
+    first.signal(SIGKILL);
+    ASSERT_TRUE(Screen::waitUntil([&] { return first.ended().has_value(); }));
+    ASSERT_TRUE(
+        Screen::waitUntil([&] { return !screen.picture().findRow(white, shortestButton, heroFill); }));
+    auto third = start();
+    EXPECT_TRUE(screen.waitForRow(white, shortestButton, heroFill)) << "no window after a crash";
+    EXPECT_EQ(third.ended(), std::nullopt);
 }
 
 TEST_F(WindowEndToEnd, withoutADisplayItSaysSoAndTheReportStillWorks) {

@@ -601,6 +601,14 @@ protected:
     void simctl(const std::string& arguments, const std::string& script) const {
         mac.answerWithScript("xcrun simctl " + arguments, script);
     }
+    /// What the tool says of its devices: their identifiers and states.
+    static std::string deviceList(const std::vector<std::pair<std::string, std::string>>& devices) {
+        std::string list;
+        for (const auto& [identifier, state] : devices)
+            list += std::string(list.empty() ? "" : ",") + R"({"udid":")" + identifier +
+                    R"(","name":"iPhone","state":")" + state + "\"}";
+        return R"({"devices":{"com.apple.CoreSimulator.SimRuntime.iOS-17-2":[)" + list + "]}}";
+    }
     /// What the user is told when the tool fails after this script.
     void expectTold(const std::string& script, const std::string& message) const {
         simctl("erase " + udid, script);
@@ -623,8 +631,9 @@ TEST_F(SimulatorTests, aSimulatorIsShutDownAndErased) {
     inANewProcess([&] {
         const auto one = item("runtime:x", CleanupAction::simulatorErase(udid));
         EXPECT_EQ(outcomeOf(one), succeeded(one, bytes, "Simulator di-reset"));
-        EXPECT_THAT(BoxMac::calls(), ElementsAre("xcode-select -p", "xcrun simctl shutdown " + udid,
-                                                 "xcrun simctl erase " + udid));
+        EXPECT_THAT(BoxMac::calls(),
+                    ElementsAre("xcode-select -p", "xcrun simctl list devices -j",
+                                "xcrun simctl shutdown " + udid, "xcrun simctl erase " + udid));
     });
     EXPECT_THAT(log.load(1).at(0).kind, "Reset simulator");
     EXPECT_EQ(log.load(1).at(0).bytes, bytes);
@@ -653,8 +662,48 @@ TEST_F(SimulatorTests, aSimulatorIsDeletedWithoutAShutdown) {
     inANewProcess([&] {
         const auto one = item("runtime:x", CleanupAction::simulatorDelete(udid));
         EXPECT_EQ(outcomeOf(one), succeeded(one, bytes, "Simulator dihapus"));
-        EXPECT_THAT(BoxMac::calls(), ElementsAre("xcode-select -p", "xcrun simctl delete " + udid));
+        EXPECT_THAT(BoxMac::calls(), ElementsAre("xcode-select -p", "xcrun simctl list devices -j",
+                                                 "xcrun simctl delete " + udid));
     });
+}
+
+// A report may be old, and the simulator in use by now.
+
+TEST_F(SimulatorTests, aSimulatorThatRunsStaysAsItIs) {
+    for (const auto* state : {"Booted", "Booting"}) {
+        for (const auto& listed : {udid, Text::lowercased(udid)}) {
+            simctl("list devices -j",
+                   "cat <<'E'\n" + deviceList({{"A", "Shutdown"}, {listed, state}}) + "\nE");
+            inANewProcess([&] {
+                for (const auto& action :
+                     {CleanupAction::simulatorErase(udid), CleanupAction::simulatorDelete(udid)}) {
+                    const auto one = item("runtime:x", action);
+                    EXPECT_EQ(outcomeOf(one), failed(one, "Sedang berjalan. Matikan simulator dulu."));
+                }
+                for (const auto& call : BoxMac::calls())
+                    EXPECT_THAT(call, ::testing::AnyOf("xcode-select -p", "xcrun simctl list devices -j"));
+            });
+        }
+    }
+}
+
+TEST_F(SimulatorTests, aSimulatorThatIsNotSaidToRunIsErasedAndDeleted) {
+    simctl("erase " + udid, "exit 0");
+    simctl("delete " + udid, "exit 0");
+    const auto booted = deviceList({{udid, "Booted"}});
+    for (const auto& script :
+         {"cat <<'E'\n" + deviceList({{udid, "Shutdown"}}) + "\nE",
+          "cat <<'E'\n" + deviceList({{"00000000-1111-2222-3333-444444444444", "Booted"}}) + "\nE",
+          "cat <<'E'\n" + booted + "\nE\nexit 1", // of a tool that failed
+          "cat <<'E'\n" + booted.substr(1) + "\nE", std::string("echo '{}'"), std::string("exit 0")}) {
+        simctl("list devices -j", script);
+        inANewProcess([&] {
+            const auto erased = item("runtime:x", CleanupAction::simulatorErase(udid));
+            EXPECT_EQ(outcomeOf(erased), succeeded(erased, bytes, "Simulator di-reset")) << script;
+            const auto deleted = item("runtime:x", CleanupAction::simulatorDelete(udid));
+            EXPECT_EQ(outcomeOf(deleted), succeeded(deleted, bytes, "Simulator dihapus")) << script;
+        });
+    }
 }
 
 TEST_F(SimulatorTests, aRuntimeIsDeletedByItsIdentifier) {

@@ -106,6 +106,16 @@ TEST_F(SafetyGuardBoxTests, nothingInAProtectedTreeInAnotherSpellingIsAdmitted) 
     }
 }
 
+TEST_F(SafetyGuardBoxTests, nothingThatTheProgramRemembersIsAdmittedInAnotherSpelling) {
+    mac.home.file("Library/Application Support/Korvanti/activity.jsonl");
+    const Mount alias(mac.home.path("Library/Application Support/Korvanti"),
+                      mac.home.folder("Library/Application Support/KORVANTI"));
+    const auto log = mac.home.path("Library/Application Support/KORVANTI/activity.jsonl");
+    const auto admitted = SafetyGuard(mac.home.path()).admit(log, {});
+    ASSERT_FALSE(admitted.has_value());
+    EXPECT_EQ(std::get<GuardError>(admitted.error()), (GuardError{Kind::protectedPath, log}));
+}
+
 TEST_F(SafetyGuardBoxTests, aKeptFolderInAnotherSpellingIsNotAdmittedAndWhatIsInItIs) {
     const auto caches = mac.home.folder("Library/Caches");
     mac.home.folder("Library/Caches/app");

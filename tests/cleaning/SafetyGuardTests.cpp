@@ -101,6 +101,8 @@ const Names protectedTrees = {".ssh",
                               ".gradle/gradle.properties",
                               ".gradle/init.d"};
 
+const Names ownTrees = {"Library/Application Support/Korvanti"};
+
 const Verdict accepted;
 
 Verdict refused(Kind kind, std::string payload) {
@@ -160,9 +162,14 @@ TEST_F(SafetyGuardTests, knowsTheProtectedTrees) {
     EXPECT_THAT(SafetyGuardTables::protectedTrees, ElementsAreArray(protectedTrees));
 }
 
+TEST_F(SafetyGuardTests, knowsItsOwnTrees) {
+    EXPECT_EQ(ownTrees.size(), 1U);
+    EXPECT_THAT(SafetyGuardTables::ownTrees, ElementsAreArray(ownTrees));
+}
+
 TEST_F(SafetyGuardTests, whatIsPromisedToPeopleNamesEachEntry) {
     const auto document = testing::textOf(KORVANTI_TEST_DATA "/../../docs/safety.md");
-    for (const auto* names : {&sensitiveSuffixes, &protectedRoots, &protectedTrees}) {
+    for (const auto* names : {&sensitiveSuffixes, &protectedRoots, &protectedTrees, &ownTrees}) {
         for (const auto& name : *names)
             EXPECT_THAT(document, HasSubstr("`" + name + "`"));
     }
@@ -474,6 +481,19 @@ TEST_F(SafetyGuardTests, aNeighbourOfAProtectedTreeMayGo) {
     EXPECT_EQ(verdict(home.folder(".claude-old/x")), accepted);
     EXPECT_EQ(verdict(home.folder(".android/avd")), accepted);
     expectProtected(".config/gh/hosts.yml");
+}
+
+TEST_F(SafetyGuardTests, nothingThatTheProgramRemembersMayGo) {
+    for (const auto& tree : ownTrees) {
+        home.file(tree + "/activity.jsonl");
+        for (const auto* inside : {"", "/activity.jsonl", "/offloads.json", "/deep/inside/x"})
+            expectProtected(tree + inside);
+        EXPECT_EQ(verdict(in(tree) + "//./x/"), refused(Kind::protectedPath, in(tree + "/x"))) << tree;
+        expectOnlyMissing(tree + "-old");
+        expectOnlyMissing(tree + "-old/x");
+        expectOnlyMissing(tree.substr(0, tree.size() - 1));
+        expectOnlyMissing("Projects/" + tree + "/x");
+    }
 }
 
 // The disk

@@ -23,6 +23,7 @@
 #include <string>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 #include <utility>
@@ -1017,7 +1018,10 @@ TEST_F(OffloadServiceMountTests, parentsThatCantBeMadeLeaveTheCopyAndTheRecord) 
     const auto copy = treeOf(record.destinationPath);
     std::filesystem::remove_all(mac.home.path("Library/Developer"));
     mac.home.file("Library/Developer", {.text = "file"});
-    EXPECT_NE(systemErrorOf(service.restore(record)), 0);
+    const auto result = service.restore(record);
+    ASSERT_NE(systemErrorOf(result), 0);
+    EXPECT_EQ(std::get<FileError>(result.error()).path,
+              mac.home.path("Library/Developer/Xcode")); // with one slash between all
     EXPECT_EQ(treeOf(record.destinationPath), copy);
     EXPECT_EQ(textOf(mac.home.path("Library/Developer")), "file");
     EXPECT_THAT(service.records(), SizeIs(1));
@@ -1154,6 +1158,40 @@ TEST_F(OffloadServiceMountTests, aVolumeThatIsUnpluggedOrEmptyIsMissingOnRestore
     EXPECT_TRUE(PathTools::isSymlink(record.originalPath));
     EXPECT_THAT(service.records(), SizeIs(1));
     volumes.folder("SSD");
+}
+
+TEST_F(OffloadServiceMountTests, whatStandsInAPlainFolderInPlaceOfTheVolumeIsNotBroughtBack) {
+    const auto record = moved(true);
+    const auto copy = treeOf(record.destinationPath);
+    ASSERT_EQ(testing::runProgram({"cp", "-a", ssd, volumes.path("Palsu")}).status, 0);
+    unplug();
+    std::filesystem::remove(ssd);
+    std::filesystem::rename(volumes.path("Palsu"), ssd);
+    ASSERT_EQ(treeOf(record.destinationPath), copy);
+    EXPECT_EQ(OffloadService::status(record), OffloadStatus::available);
+    EXPECT_EQ(kindOf(service.restore(record)), Kind::volumeMissing);
+    EXPECT_EQ(treeOf(record.destinationPath), copy);
+    EXPECT_TRUE(PathTools::isSymlink(record.originalPath));
+    EXPECT_THAT(service.records(), SizeIs(1));
+    EXPECT_THAT(logged(), SizeIs(1));
+}
+
+TEST_F(OffloadServiceMountTests, whatStandsOnAnotherVolumeIsNotBroughtBack) {
+    const auto record = moved(true);
+    const auto copy = treeOf(record.destinationPath);
+    const BoxFolder database{"/run/udev/data"};
+    struct stat status {};
+    ASSERT_EQ(::stat(ssd.c_str(), &status), 0);
+    const auto facts =
+        "b" + std::to_string(major(status.st_dev)) + ":" + std::to_string(minor(status.st_dev));
+    database.file(facts, {.text = "E:ID_FS_UUID=another\n"});
+    EXPECT_EQ(kindOf(service.restore(record)), Kind::volumeMissing);
+    EXPECT_EQ(treeOf(record.destinationPath), copy);
+    EXPECT_TRUE(PathTools::isSymlink(record.originalPath));
+
+    database.file(facts, {.text = "E:ID_FS_UUID=" + std::string(uuid) + "\n"});
+    const auto back = service.restore(record);
+    EXPECT_TRUE(back) << description(back);
 }
 
 TEST_F(OffloadServiceMountTests, aRestoreLeavesTheRecordsOfOthers) {

@@ -358,6 +358,8 @@ std::vector<KindToMeet> kindsToMeet() {
         kinds.push_back({"refused: root " + std::string(root), many});
     for (const auto tree : testing::model::protectedTrees)
         kinds.push_back({"refused: tree " + std::string(tree), many});
+    for (const auto tree : testing::model::ownTrees)
+        kinds.push_back({"refused: own tree " + std::string(tree), many});
     return kinds;
 }
 
@@ -412,7 +414,8 @@ TEST(CleaningModelTests, itsTablesNameEachPlaceOnce) {
     names.insert(testing::model::sensitiveSuffixes.begin(), testing::model::sensitiveSuffixes.end());
     names.insert(testing::model::protectedRoots.begin(), testing::model::protectedRoots.end());
     names.insert(testing::model::protectedTrees.begin(), testing::model::protectedTrees.end());
-    EXPECT_EQ(names.size(), 11U + 35U + 28U);
+    names.insert(testing::model::ownTrees.begin(), testing::model::ownTrees.end());
+    EXPECT_EQ(names.size(), 11U + 35U + 28U + 1U);
     EXPECT_FALSE(names.contains(""));
 }
 

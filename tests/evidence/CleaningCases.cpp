@@ -132,7 +132,9 @@ private:
     // Places.
 
     std::string tableEntry() {
-        const auto entry = std::string(chance(50) ? any(model::protectedRoots) : any(model::protectedTrees));
+        const auto entry = std::string(chance(50)   ? any(model::protectedRoots)
+                                       : chance(95) ? any(model::protectedTrees)
+                                                    : any(model::ownTrees));
         // A path with ".gradle" in it starts a program, which takes its time.
         return entry.starts_with(".gradle") && chance(50) ? tableEntry() : entry;
     }

@@ -83,6 +83,8 @@ const std::array<std::string_view, 28> protectedTrees = {".ssh",
                                                          ".gradle/gradle.properties",
                                                          ".gradle/init.d"};
 
+const std::array<std::string_view, 1> ownTrees = {"Library/Application Support/Korvanti"};
+
 const std::vector<PropertyListSample>& propertyListSamples() {
     static const auto samples = [] {
         const auto xml = [](const std::string& inside) {
@@ -325,6 +327,10 @@ Verdict CleaningModel::verdictOn(const std::string& given, PathOptions options) 
     for (const auto tree : model::protectedTrees) {
         if (isBelowTree(tree))
             return refused(Kind::protectedPath, "tree " + std::string(tree));
+    }
+    for (const auto tree : model::ownTrees) {
+        if (isBelowTree(tree))
+            return refused(Kind::protectedPath, "own tree " + std::string(tree));
     }
 
     const auto found = disk_.find(path);

@@ -22,6 +22,7 @@ namespace model {
 extern const std::array<std::string_view, 11> sensitiveSuffixes;
 extern const std::array<std::string_view, 35> protectedRoots;
 extern const std::array<std::string_view, 28> protectedTrees;
+extern const std::array<std::string_view, 1> ownTrees;
 
 /// A property list with the string under "CFBundleIdentifier" that it holds, or an empty one.
 struct PropertyListSample {

@@ -55,6 +55,12 @@ TEST_F(FolderChainTests, anEmptyPathIsTheBaseItself) {
     EXPECT_TRUE(isAt(create(""), ""));
 }
 
+TEST_F(FolderChainTests, anErrorNamesThePathWithOneSlashBetween) {
+    temp.file("file");
+    for (const auto* relative : {"file/b", "/file/b", "//file/b"})
+        EXPECT_EQ(error(relative).path, temp.path("file/b")) << relative;
+}
+
 TEST_F(FolderChainTests, aLinkOnTheWayIsRefusedAndNothingIsMadeBehindIt) {
     temp.folder("elsewhere");
     temp.symlink("link", temp.path("elsewhere"));

@@ -1,5 +1,5 @@
 #include "Require.h"
-#include "providers/SimulatorLists.h"
+#include "process/SimulatorLists.h"
 
 #include "base/Instant.h"
 #include "base/Json.h"

@@ -180,6 +180,71 @@ TEST_F(ProjectArtifactCandidatesTests, aKnownFolderThatHoldsARepositoryIsLeftToI
     EXPECT_THAT(candidates(), IsEmpty());
 }
 
+// Somebody's work, that the index did not find
+
+TEST_F(ProjectArtifactCandidatesTests, aFolderWithARepositoryInItIsNoCandidate) {
+    repository("repo", "build/\nnode_modules/\ndata/\n/other/\n");
+    home.file("repo/package.json");
+    home.file("repo/build/mylib/.git/HEAD");
+    home.file("repo/node_modules/ku/.git", {.text = "gitdir: elsewhere\n"});
+    home.file("repo/data/x/.git/HEAD");
+    home.file("repo/sub/package.json");
+    home.file("repo/sub/node_modules/@contoh/ku/.git/HEAD");
+    home.file("repo/sub/build/.git/HEAD");
+    home.file("repo/other/data");
+    EXPECT_THAT(folders(), ElementsAre(home.path("repo/other")));
+}
+
+TEST_F(ProjectArtifactCandidatesTests, aRepositoryThatABuildToolFetchedLeavesItsFolderACandidate) {
+    repository("repo", "build/\nnode_modules/\n.build/\n");
+    home.file("repo/CMakeLists.txt");
+    home.file("repo/package.json");
+    home.file("repo/build/_deps/x-src/.git/HEAD");
+    home.file("repo/.build/checkouts/x/.git/HEAD");
+    home.file("repo/node_modules/ku/node_modules/x/.git/HEAD");
+    home.file("repo/node_modules/@contoh/ku/x/.git/HEAD");
+    home.file("repo/node_modules/contoh/ku/.git/HEAD"); // no scope
+    home.file("repo/node_modules/.gitignore");
+    EXPECT_THAT(folders(), UnorderedElementsAre(home.path("repo/build"), home.path("repo/.build"),
+                                                home.path("repo/node_modules")));
+}
+
+TEST_F(ProjectArtifactCandidatesTests, aLinkToARepositoryLeavesItsFolderACandidate) {
+    repository("repo", "node_modules/\n");
+    home.file("repo/package.json");
+    home.file("elsewhere/ku/.git/HEAD");
+    home.folder("repo/node_modules/@contoh");
+    home.symlink("repo/node_modules/ku", home.path("elsewhere/ku"));
+    home.symlink("repo/node_modules/@contoh/ku", home.path("elsewhere/ku"));
+    home.symlink("repo/node_modules/@lain", home.path("elsewhere"));
+    EXPECT_THAT(folders(), ElementsAre(home.path("repo/node_modules")));
+}
+
+TEST_F(ProjectArtifactCandidatesTests, aPartOfAnXcodeBuildWithARepositoryInItIsNoCandidate) {
+    repository("repo", "build/\n");
+    home.file("repo/project.yml");
+    home.file("repo/build/DerivedData/mylib/.git/HEAD");
+    home.file("repo/build/DerivedData-2/mylib/file");
+    EXPECT_THAT(folders(), ElementsAre(home.path("repo/build/DerivedData-2")));
+    home.file("repo/build/mylib/.git/HEAD");
+    EXPECT_THAT(folders(), IsEmpty());
+}
+
+TEST_F(ProjectArtifactCandidatesTests, aWalkPassesOverAFolderWithARepositoryInIt) {
+    looseProject("loose");
+    home.file("loose/package.json");
+    home.file("loose/node_modules/ku/.git/HEAD");
+    home.file("loose/node_modules/ku/package.json");
+    home.file("loose/node_modules/ku/node_modules/x");
+    home.file("loose/build/deep/mylib/.git/HEAD");
+    home.file("loose/sub/package.json");
+    home.file("loose/sub/node_modules/x/index.js");
+    EXPECT_THAT(folders(),
+                UnorderedElementsAre(home.path("loose/build"), home.path("loose/sub/node_modules")));
+    projects.repositories.push_back({home.path("loose/build/deep/mylib"), std::nullopt});
+    EXPECT_THAT(folders(), ElementsAre(home.path("loose/sub/node_modules")));
+}
+
 TEST_F(ProjectArtifactCandidatesTests, aFolderWhoseNameBeginsLikeARepositoryIsACandidate) {
     repository("outer", "*/\n");
     repository("outer/copy-2");

@@ -1,6 +1,6 @@
 #include "providers/SimulatorProvider.h"
 
-#include "providers/SimulatorLists.h"
+#include "process/SimulatorLists.h"
 #include "support/TempFolder.h"
 
 #include <cstdint>

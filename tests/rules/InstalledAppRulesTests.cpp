@@ -691,14 +691,13 @@ TEST_F(AppListRulesTests, namesTheKindOfEachLocation) {
     EXPECT_EQ(app().data, expected);
 }
 
-TEST_F(AppListRulesTests, aLocationInAnotherFolderIsCalledByThatFolder) {
+TEST_F(AppListRulesTests, aNameThatLeadsIntoTheFolderOfAVendorGivesNoLocation) {
     bundle("A.app", text("CFBundleDisplayName", "Vendor/Produk"));
     data("Application Support/Vendor/Produk", 3);
 
-    const auto found = app();
-
-    ASSERT_THAT(found.data, SizeIs(1));
-    EXPECT_EQ(found.data[0].kind, "Vendor");
+    EXPECT_THAT(app().data, IsEmpty());
+    EXPECT_EQ(InstalledApps::kindOfLocation(home.path("Library/Application Support/Vendor/Produk")),
+              "Vendor");
 }
 
 TEST_F(AppListRulesTests, dataIsSortedBySizeAndEmptyLocationsAreLeftOut) {

@@ -1,4 +1,5 @@
 #include "process/Toolchain.h"
+#include "providers/ProjectArtifactProvider.h"
 #include "scanner/Scanner.h"
 #include "support/Environment.h"
 #include "support/TempFolder.h"
@@ -468,6 +469,15 @@ TEST_F(ScannerTests, everyProviderIsToldTheSameContext) {
     }
     EXPECT_LE(before, report.startedAt);
     EXPECT_LE(report.startedAt, after);
+}
+
+TEST_F(ScannerTests, whatTwoSpellingsOfARootFindIsListedOnce) {
+    home.file("Developer/web/package.json");
+    home.file("Developer/web/node_modules/x", {.allocatedBytes = 30'000'000});
+    home.folder("Documents");
+    settings.devRoots = {"~/Developer", "~/Documents/../Developer", "~/./Developer//", "relative/x"};
+    add(70, "P", [](const ScanContext& context) { return ProjectArtifactProvider().items(context); });
+    EXPECT_EQ(pathsOf(run().items), Paths{home.path("Developer/web/node_modules")});
 }
 
 TEST_F(ScannerTests, theDurationIsThatOfTheWholeRunInSeconds) {

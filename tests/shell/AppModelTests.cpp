@@ -587,6 +587,21 @@ TEST_F(AppModelTests, theDesktopOpensItsSettings) {
     EXPECT_EQ(desktop.settingsOpened, 1);
 }
 
+TEST_F(AppModelTests, whatTheDesktopCannotOpenIsTold) {
+    const auto there = mac.home.file("Downloads/there");
+    model().reveal(there);
+    model().openFullDiskAccessSettings();
+    EXPECT_EQ(model().errorMessage(), std::nullopt);
+
+    desktop.opening = std::unexpected("tidak ada.");
+    model().reveal(there);
+    EXPECT_EQ(model().errorMessage(), "Tidak bisa membuka ~/Downloads/there: tidak ada.");
+    model().reveal(home("Downloads/gone"));
+    EXPECT_EQ(model().errorMessage(), "Tidak bisa membuka ~/Downloads: tidak ada.");
+    model().openFullDiskAccessSettings();
+    EXPECT_EQ(model().errorMessage(), "Tidak bisa membuka pengaturan Full Disk Access: tidak ada.");
+}
+
 TEST_F(AppModelTests, errorAndNoticeStayUntilTheyAreDismissed) {
     model().offload(folderItem("Library/Caches/x"));
     model().revertRelocation({DevCache::npmCache});

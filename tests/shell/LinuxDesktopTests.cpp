@@ -29,6 +29,7 @@ namespace korvanti {
 namespace {
 
 using namespace korvanti::testing;
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -254,18 +255,20 @@ protected:
     }
 
     static inline std::optional<PrivateBus> bus;
+    std::vector<Desktop::Result> answers;
+    Desktop::Answer answer = [this](const Desktop::Result& result) { answers.push_back(result); };
     FileManager manager;
     Opener opener;
 };
 
 TEST_F(ShowingTests, aFolderIsOpened) {
-    desktop->openFolder("/Users/tester/a b#?%\xFF");
+    desktop->openFolder("/Users/tester/a b#?%\xFF", answer);
     EXPECT_THAT(opener.urls, ElementsAre("file:///Users/tester/a%20b%23%3F%25%FF"));
 }
 
 TEST_F(ShowingTests, theFileManagerShowsTheThingItself) {
     startFileManager();
-    desktop->reveal("/Users/tester/a b/\xFF#");
+    desktop->reveal("/Users/tester/a b/\xFF#", answer);
     ASSERT_TRUE(waitFor([&] { return !manager.calls.empty(); }));
     EXPECT_THAT(manager.calls, ElementsAre("org.freedesktop.FileManager1.ShowItems"));
     EXPECT_EQ(manager.uris, QStringList("file:///Users/tester/a%20b/%FF%23"));
@@ -273,10 +276,35 @@ TEST_F(ShowingTests, theFileManagerShowsTheThingItself) {
     EXPECT_THAT(opener.urls, IsEmpty());
 }
 
+TEST_F(ShowingTests, whatWasOpenedIsAnsweredOnce) {
+    desktop->openFolder("/Users/tester", answer);
+    EXPECT_THAT(answers, ElementsAre(Desktop::Result()));
+    startFileManager();
+    desktop->reveal("/Users/tester/a", answer);
+    ASSERT_TRUE(waitFor([&] { return answers.size() == 2; }));
+    manager.fails = true;
+    desktop->reveal("/Users/tester/a", answer);
+    ASSERT_TRUE(waitFor([&] { return answers.size() == 3; }));
+    EXPECT_THAT(answers, Each(Desktop::Result()));
+}
+
+TEST_F(ShowingTests, whereNothingOpensAFolderTheFailureIsAnsweredOnce) {
+    QDesktopServices::unsetUrlHandler("file");
+    const ScopedVariable nothing("PATH", "/nowhere"); // no xdg-open either
+    const Desktop::Result failed = std::unexpected("tidak ada pengelola file yang menjawab.");
+    desktop->openFolder("/Users/tester", answer);
+    EXPECT_THAT(answers, ElementsAre(failed));
+    desktop->reveal("/Users/tester/a", answer);
+    ASSERT_TRUE(waitFor([&] { return answers.size() == 2; }));
+    desktop->openFullDiskAccessSettings(answer);
+    ASSERT_TRUE(waitFor([&] { return answers.size() == 3; }));
+    EXPECT_THAT(answers, Each(failed));
+}
+
 TEST_F(ShowingTests, whereItFailsTheFolderIsOpened) {
     startFileManager();
     manager.fails = true;
-    desktop->reveal("/Users/tester/a/b");
+    desktop->reveal("/Users/tester/a/b", answer);
     ASSERT_TRUE(waitFor([&] { return !opener.urls.empty(); }));
     EXPECT_THAT(opener.urls, ElementsAre("file:///Users/tester/a"));
     EXPECT_THAT(manager.calls, SizeIs(1));
@@ -284,7 +312,7 @@ TEST_F(ShowingTests, whereItFailsTheFolderIsOpened) {
 
 TEST_F(ShowingTests, thisProgramIsShownForTheSettings) {
     startFileManager();
-    desktop->openFullDiskAccessSettings();
+    desktop->openFullDiskAccessSettings(answer);
     ASSERT_TRUE(waitFor([&] { return !manager.calls.empty(); }));
     EXPECT_EQ(manager.uris, QStringList("file://" + QString::fromStdString(
                                                         std::filesystem::read_symlink("/proc/self/exe"))));
@@ -293,7 +321,7 @@ TEST_F(ShowingTests, thisProgramIsShownForTheSettings) {
 TEST_F(ShowingTests, aDesktopThatIsGoneOpensNothing) {
     startFileManager();
     manager.fails = true;
-    desktop->reveal("/Users/tester/a/b");
+    desktop->reveal("/Users/tester/a/b", answer);
     desktop.reset();
     ASSERT_TRUE(waitFor([&] { return !manager.calls.empty(); }));
     spinFor(std::chrono::milliseconds(50));
@@ -301,7 +329,7 @@ TEST_F(ShowingTests, aDesktopThatIsGoneOpensNothing) {
 }
 
 TEST_F(ShowingTests, withoutAFileManagerTheFolderIsOpened) {
-    desktop->reveal("/Users/tester/a/b");
+    desktop->reveal("/Users/tester/a/b", answer);
     EXPECT_THAT(opener.urls, IsEmpty());
     ASSERT_TRUE(waitFor([&] { return !opener.urls.empty(); }));
     EXPECT_THAT(opener.urls, ElementsAre("file:///Users/tester/a"));
@@ -310,7 +338,7 @@ TEST_F(ShowingTests, withoutAFileManagerTheFolderIsOpened) {
 TEST_F(ShowingTests, withoutABusTheFolderIsOpened) {
     bus->stop();
     spinFor(std::chrono::milliseconds(50));
-    desktop->reveal("/Users/tester/a/b");
+    desktop->reveal("/Users/tester/a/b", answer);
     ASSERT_TRUE(waitFor([&] { return !opener.urls.empty(); }));
     EXPECT_THAT(opener.urls, ElementsAre("file:///Users/tester/a"));
 }

@@ -57,6 +57,7 @@ public:
         std::deque<Result> recycling; ///< the next answers; success when there is none
         std::function<void()> whileRecycling;
         Result loginItem;
+        Result opening; ///< of folders, and of the settings
         bool isLoginItem = false;
         std::vector<std::string> recycled;
         std::vector<std::string> revealed;
@@ -92,9 +93,18 @@ public:
         script_.loginItems.push_back(enabled);
         return script_.loginItem;
     }
-    void openFullDiskAccessSettings() override { ++script_.settingsOpened; }
-    void reveal(const std::string& path) override { script_.revealed.push_back(path); }
-    void openFolder(const std::string& path) override { script_.opened.push_back(path); }
+    void openFullDiskAccessSettings(const Answer& answer) override {
+        ++script_.settingsOpened;
+        answer(script_.opening);
+    }
+    void reveal(const std::string& path, const Answer& answer) override {
+        script_.revealed.push_back(path);
+        answer(script_.opening);
+    }
+    void openFolder(const std::string& path, const Answer& answer) override {
+        script_.opened.push_back(path);
+        answer(script_.opening);
+    }
     [[nodiscard]] bool isRunning(const InstalledApp& app) const override {
         return script_.system ? script_.system->isRunning(app) : script_.running.contains(app.path);
     }

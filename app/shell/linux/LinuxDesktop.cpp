@@ -122,27 +122,36 @@ public:
     }
 
     /// There is no such page here, and nothing that would need it.
-    void openFullDiskAccessSettings() override { reveal(Platform::executablePath()); }
+    void openFullDiskAccessSettings(const Answer& answer) override {
+        reveal(Platform::executablePath(), answer);
+    }
 
     /// The file manager is asked by message and not waited for. Without one, its folder is all that can be
     /// shown.
-    void reveal(const std::string& path) override {
+    void reveal(const std::string& path, const Answer& answer) override {
         const auto bus = QDBusConnection::sessionBus();
         if (!bus.isConnected()) // a call there would never be answered
-            return openFolder(std::string(PathTools::parent(path)));
+            return openFolder(std::string(PathTools::parent(path)), answer);
         auto call =
             QDBusMessage::createMethodCall("org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
                                            "org.freedesktop.FileManager1", "ShowItems");
         call << QStringList{urlOf(path).toString(QUrl::FullyEncoded)} << QString();
         auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), &here_);
-        QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [this, watcher, path] {
+        QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [this, watcher, path, answer] {
             if (watcher->isError())
-                openFolder(std::string(PathTools::parent(path)));
+                openFolder(std::string(PathTools::parent(path)), answer);
+            else
+                answer({});
             watcher->deleteLater();
         });
     }
 
-    void openFolder(const std::string& path) override { QDesktopServices::openUrl(urlOf(path)); }
+    void openFolder(const std::string& path, const Answer& answer) override {
+        if (QDesktopServices::openUrl(urlOf(path)))
+            answer({});
+        else
+            answer(std::unexpected("tidak ada pengelola file yang menjawab."));
+    }
 
     [[nodiscard]] bool isRunning(const InstalledApp& app) const override {
         return static_cast<bool>(processInside(app.path));

@@ -26,6 +26,12 @@ Desktop::Result resultOf(BOOL done, NSError* error) {
     return std::unexpected(std::string(text ? text : ""));
 }
 
+Desktop::Result opening(BOOL done) {
+    if (done)
+        return {};
+    return std::unexpected("macOS tidak bisa membukanya.");
+}
+
 NSRunningApplication* firstRunning(const InstalledApp& app) {
     NSString* identifier = app.bundleID ? [NSString stringWithUTF8String:app.bundleID->c_str()] : nil;
     return identifier ? [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier].firstObject
@@ -105,21 +111,24 @@ public:
         return resultOf(done, error);
     }
 
-    void openFullDiskAccessSettings() override {
-        [NSWorkspace.sharedWorkspace
+    void openFullDiskAccessSettings(const Answer& answer) override {
+        const BOOL opened = [NSWorkspace.sharedWorkspace
             openURL:[NSURL URLWithString:@"x-apple.systempreferences:com.apple.preference.security?"
                                          @"Privacy_AllFiles"]];
         [NSWorkspace.sharedWorkspace activateFileViewerSelectingURLs:@[ NSBundle.mainBundle.bundleURL ]];
+        answer(opening(opened));
     }
 
-    void reveal(const std::string& path) override {
-        if (NSURL* url = urlOf(path))
+    void reveal(const std::string& path, const Answer& answer) override {
+        NSURL* url = urlOf(path);
+        if (url)
             [NSWorkspace.sharedWorkspace activateFileViewerSelectingURLs:@[ url ]];
+        answer(opening(url != nil));
     }
 
-    void openFolder(const std::string& path) override {
-        if (NSURL* url = urlOf(path))
-            [NSWorkspace.sharedWorkspace openURL:url];
+    void openFolder(const std::string& path, const Answer& answer) override {
+        NSURL* url = urlOf(path);
+        answer(opening(url && [NSWorkspace.sharedWorkspace openURL:url]));
     }
 
     [[nodiscard]] bool isRunning(const InstalledApp& app) const override { return firstRunning(app) != nil; }

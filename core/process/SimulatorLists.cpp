@@ -1,4 +1,4 @@
-#include "providers/SimulatorLists.h"
+#include "process/SimulatorLists.h"
 
 #include "base/Json.h"
 #include "base/Text.h"

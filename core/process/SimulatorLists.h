@@ -13,7 +13,7 @@ namespace korvanti::SimulatorLists {
 struct Device {
     std::string udid;
     std::string name;
-    std::string state;               ///< only "Booted" matters
+    std::string state;               ///< such as "Booted" or "Shutdown"
     std::optional<bool> isAvailable; ///< absent counts as true
     std::optional<std::string> dataPath;
     std::optional<std::int64_t> dataPathSize;
