@@ -168,11 +168,12 @@ bool isGroupOf(std::string_view name, const std::string& identifier) {
            name.starts_with("group." + identifier) || name.contains("." + identifier + ".");
 }
 
-/// One of several parts ("Vendor/Product") leads into a folder that others share.
+/// A name may have several parts ("Vendor/Product"); what several share is not its own.
 bool isOwnName(std::string_view name) {
     constexpr std::size_t shortest = 3;
-    return PathTools::isEntryName(name) && Text::characterCount(name) >= shortest &&
-           std::ranges::find(AppRules::sharedNames, Text::lowercased(name)) == AppRules::sharedNames.end();
+    const auto vendor = Text::lowercased(name.substr(0, name.find('/')));
+    return PathTools::leadsDown(name) && Text::characterCount(name) >= shortest &&
+           std::ranges::find(AppRules::sharedNames, vendor) == AppRules::sharedNames.end();
 }
 
 /// What exists of the places in a library that are asked for, each once.

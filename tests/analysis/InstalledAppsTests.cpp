@@ -646,9 +646,15 @@ TEST_F(DataLocationsTests, whatAnApplicationCallsItselfLeadsNowhereElse) {
     EXPECT_THAT(found(std::string("./\0.", 4), std::string("Google\0x", 8)), IsEmpty());
 }
 
-TEST_F(DataLocationsTests, aNameOfSeveralPartsIsNoName) {
+TEST_F(DataLocationsTests, aNameOfSeveralPartsIsAFolderInAFolder) {
+    put({"Caches/Contoh/Catatan"});
+    EXPECT_EQ(found(std::nullopt, "Contoh/Catatan"), (Paths{"Caches/Contoh/Catatan"}));
+}
+
+TEST_F(DataLocationsTests, aNameDoesNotLeadIntoAFolderThatManyShare) {
     put({"Caches/Google/Chrome", "Application Support/Google/Chrome"});
     EXPECT_THAT(found(std::nullopt, "Google/Chrome"), IsEmpty());
+    EXPECT_THAT(found(std::nullopt, "google/Chrome"), IsEmpty());
 }
 
 TEST_F(DataLocationsTests, aHomeMayBeWrittenWithASlashBehind) {
