@@ -34,7 +34,7 @@ constexpr auto roles = std::to_array<Role>({
     {"name", [](const InstalledApp& app) -> QVariant { return screenText(app.name); }},
     {"path", [](const InstalledApp& app) -> QVariant { return screenText(app.path); }},
     {"icon", [](const InstalledApp& app) -> QVariant { return AppIconProvider::nameOf(app.path); }},
-    {"advice", [](const InstalledApp& app) -> QVariant { return screenText(app.advice); }},
+    {"advice", [](const InstalledApp& app) -> QVariant { return screenSentence(app.advice); }},
     {"isSuggested", [](const InstalledApp& app) -> QVariant { return app.suggested; }},
     {"role", [](const InstalledApp& app) -> QVariant { return screenText(label(app.role)); }},
     {"reason", [](const InstalledApp& app) -> QVariant { return screenText(app.reason); }},
