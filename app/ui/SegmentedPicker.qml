@@ -55,7 +55,7 @@ FocusScope {
                 width: segment.implicitWidth * row.share
                 height: row.height
                 focus: segment.chosen
-                activeFocusOnTab: segment.chosen
+                activeFocusOnTab: segment.chosen || segment.activeFocus
                 Accessible.role: Accessible.RadioButton
                 Accessible.name: segment.modelData
                 Accessible.focusable: true
