@@ -186,21 +186,6 @@ TEST_F(ConfirmModelTests, aFailedItemIsListedWithItsMessage) {
     EXPECT_NE(model().outcomes()[1].message, "");
 }
 
-TEST_F(ConfirmModelTests, whatAToolSaidKeepsItsLines) {
-    mac.applications.folder("Xcode.app/Contents/Developer");
-    mac.answer("xcode-select -p", "/Applications/Xcode.app/Contents/Developer\n");
-    mac.answerWithScript("xcrun simctl delete A3D94C12-7B60-49E1-8F02-5C1D9E7740AB",
-                         "printf 'satu\\ndua\\n' >&2; exit 1");
-    auto failing = item("device");
-    failing.action = CleanupAction::simulatorDelete("A3D94C12-7B60-49E1-8F02-5C1D9E7740AB");
-    open({failing});
-    clean();
-    ASSERT_EQ(sheet().skipped()->rowCount(), 1);
-    const auto said = column(*sheet().skipped(), "text").front();
-    EXPECT_THAT(said, ::testing::HasSubstr("satu\ndua"));
-    EXPECT_THAT(said, ::testing::Not(::testing::HasSubstr("\uFFFD")));
-}
-
 TEST_F(ConfirmModelTests, closingTheResultLeavesTheShrunkenList) {
     const auto gone = folderItem("a");
     saveReport({gone, item("b", Safety::keep)});
