@@ -29,7 +29,7 @@ constexpr auto appRoles = std::to_array<ListRole<InstalledApp>>({
     {"name", [](const InstalledApp& app) -> QVariant { return screenText(app.name); }},
     {"path", [](const InstalledApp& app) -> QVariant { return screenText(app.path); }},
     {"icon", [](const InstalledApp& app) -> QVariant { return AppIconProvider::nameOf(app.path); }},
-    {"advice", [](const InstalledApp& app) -> QVariant { return screenText(app.advice); }},
+    {"advice", [](const InstalledApp& app) -> QVariant { return screenSentence(app.advice); }},
     {"isSuggested", [](const InstalledApp& app) -> QVariant { return app.suggested; }},
     {"role", [](const InstalledApp& app) -> QVariant { return screenText(label(app.role)); }},
     {"reason", [](const InstalledApp& app) -> QVariant { return screenText(app.reason); }},

@@ -4,7 +4,7 @@ import Korvanti.Ui
 
 /// One application: what it is, what speaks for removing it, how large it is, when it was used, and the way to
 /// remove it.
-Item {
+RowItem {
     id: root
 
     required property int index
@@ -26,6 +26,7 @@ Item {
     required property AppColumns columns
     property bool isCurrent: false
     property bool showsFocus: false ///< the current row, while keys are used
+    property string spokenPlace: "" ///< among the others
 
     signal pressed
     signal removeRequested
@@ -36,11 +37,12 @@ Item {
     readonly property real middle: root.height / 2
 
     objectName: "row:" + root.path
+    activeFocusOnTab: root.isCurrent || root.activeFocus // which must not lose it
     implicitHeight: root.isNarrow ? stacked.y + stacked.height + root.padding
                                   : Math.max(words.height, figures.height, usedText.height) + 2 * root.padding
     Accessible.role: Accessible.ListItem
     Accessible.name: root.spokenTitle
-    Accessible.description: root.spokenDetail
+    Accessible.description: root.spokenDetail + ", " + root.spokenPlace
     Accessible.focusable: true
     Accessible.focused: root.activeFocus
 
@@ -110,7 +112,7 @@ Item {
             style: BrandText.Caption
             text: root.advice
             wrapMode: Text.Wrap
-            maximumLineCount: 2
+            maximumLineCount: 3
             elide: Text.ElideRight
             horizontalAlignment: Text.AlignLeft
             HoverHandler { id: advicePointer }
@@ -183,7 +185,7 @@ Item {
         x: root.isNarrow ? stacked.x : root.width - root.columns.margin - width
         y: root.isNarrow ? stacked.y + stacked.linkY : Math.round(root.middle - height / 2)
         visible: root.isRemovable
-        activeFocusOnTab: root.isCurrent
+        activeFocusOnTab: root.isCurrent || removeButton.activeFocus
         text: "Hapus…"
         Accessible.description: root.name
         onClicked: root.removeRequested()

@@ -46,7 +46,12 @@ ApplicationWindow {
             required property int index
             Shortcut {
                 sequence: "Ctrl+" + (command.index + 1)
-                onActivated: root.frame.choosePane(command.index)
+                onActivated: {
+                    if (root.frame.pane === command.index)
+                        return;
+                    root.frame.choosePane(command.index);
+                    sidebar.focusPanes();
+                }
             }
         }
     }

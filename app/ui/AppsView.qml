@@ -119,7 +119,7 @@ FocusScope {
             anchors { top: header.bottom; bottom: parent.bottom }
             width: parent.width
             visible: body.showsList
-            model: root.model
+            apps: root.model
             columns: columns
         }
         Row {

@@ -27,4 +27,5 @@ Text {
     topPadding: root.verticalAlignment === Text.AlignTop ? root.type.lead : 0
     bottomPadding: -root.topPadding
     Accessible.ignored: root.text === ""
+    Accessible.name: root.text // what is attached to says nothing of itself
 }

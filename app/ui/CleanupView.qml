@@ -104,10 +104,13 @@ FocusScope {
             objectName: "itemList"
             anchors.fill: parent
             visible: !root.model.isEmpty
-            model: root.model
-            onMenuRequested: (row, x, y) => {
+            cleanup: root.model
+            onRowMenuRequested: (row, x, y) => {
                 root.model.openMenu(row.index);
-                menu.popup(row, x, y);
+                if (row.isCurrent && list.showsFocus)
+                    menu.popupByKey(row, x, y);
+                else
+                    menu.popup(row, x, y);
             }
         }
         EmptyState {

@@ -115,7 +115,7 @@ void ConfirmModel::updateOutcomes() {
         freed = addChecked(freed, outcome.freedBytes);
         if (!outcome.success)
             skipped.append(RowList::Row{{"title", screenText(outcome.item.title)},
-                                        {"text", screenText(outcome.message)}});
+                                        {"text", screenLines(outcome.message)}});
     }
     freedText_ = "Selesai " + sizeText(freed) + " dibebaskan";
     skippedText_ = skipped.isEmpty() ? QString() : QString("%1 item dilewati:").arg(skipped.size());

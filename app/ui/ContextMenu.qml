@@ -6,6 +6,12 @@ import Korvanti.Ui
 Menu {
     id: root
 
+    /// Whoever works with keys is at the first entry at once.
+    function popupByKey(item: Item, x: real, y: real): void {
+        root.popup(item, x, y);
+        root.currentIndex = 0;
+    }
+
     padding: 5
     implicitWidth: Math.max(Brand.scaled(200), contentItem.implicitWidth + 2 * padding)
     overlap: 0

@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 import Korvanti.Ui
 
 /// One of many, from a list that opens. Shows what its owner says; `activated` asks for another one.
@@ -18,8 +19,10 @@ ComboBox {
     bottomPadding: 0
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.ComboBox
-    Accessible.name: root.label
-    Accessible.description: root.displayText
+    // The focus stays here while the list is open, so here is told what the keys are at.
+    Accessible.name: root.popup.visible && root.highlightedIndex >= 0
+                     ? root.label + ", " + root.textAt(root.highlightedIndex) : root.label
+    Accessible.description: root.displayText + (root.popup.visible ? ", terbuka" : ", tertutup")
 
     contentItem: BrandText {
         text: root.displayText
@@ -44,7 +47,7 @@ ComboBox {
         Behavior on color { ColorAnimation { duration: Brand.hoverDuration; easing.type: Easing.OutQuad } }
         FocusRing { visible: root.visualFocus; around: parent.radius }
     }
-    delegate: AbstractButton {
+    delegate: T.ItemDelegate { // whose own role is the one that it has here
         id: choice
         required property int index
         required property string modelData
@@ -53,9 +56,8 @@ ComboBox {
         width: ListView.view?.width ?? 0
         height: Brand.scaled(26)
         text: choice.modelData
-        Accessible.role: Accessible.ListItem
         Accessible.name: choice.text
-        Accessible.checked: choice.chosen
+        Accessible.selected: choice.chosen
         contentItem: Item {
             Symbol {
                 x: Brand.scaled(8)

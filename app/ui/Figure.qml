@@ -20,14 +20,17 @@ Item {
         id: row
         anchors.right: parent.right
         Repeater {
-            model: root.text.match(/[0-9]|[^0-9]+/g) ?? []
+            model: root.text.match(/[0-9]|\s|[^0-9\s]+/g) ?? []
             BrandText {
                 required property string modelData
                 readonly property bool isDigit: /^[0-9]$/.test(modelData)
+                readonly property bool isBlank: /^\s$/.test(modelData)
                 style: root.style
                 text: modelData
                 color: root.color
-                width: isDigit ? root.type.digitWidth : implicitWidth
+                // Before the unit there is room that is seen between digits so far apart, too.
+                width: isDigit ? root.type.digitWidth
+                     : isBlank ? Math.max(implicitWidth, Math.ceil(root.type.pixelSize * 0.3)) : implicitWidth
                 horizontalAlignment: isDigit ? Text.AlignHCenter : Text.AlignLeft
                 Accessible.ignored: true
             }

@@ -35,8 +35,9 @@ const PaneRow& rowOf(Pane pane) {
     return *std::ranges::find(paneRows, pane, &PaneRow::pane);
 }
 
+/// One line: what a tool said may have several.
 QString messageText(const std::optional<std::string>& message) {
-    return message ? screenText(*message) : QString();
+    return message ? screenLines(*message).replace('\n', ' ') : QString();
 }
 
 } // namespace

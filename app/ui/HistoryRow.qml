@@ -2,7 +2,7 @@ import QtQuick
 import Korvanti.Ui
 
 /// One thing that was done: whether it went well, what and where, and at the right how much and when.
-Item {
+RowItem {
     id: root
 
     required property int index
@@ -17,6 +17,7 @@ Item {
 
     property bool isCurrent: false
     property bool showsFocus: false ///< the current row, while keys are used
+    property string spokenPlace: "" ///< among the others
 
     signal pressed
     signal hintRequested(Item about, string text) ///< about nothing: no longer
@@ -31,10 +32,11 @@ Item {
     readonly property int wordsWidth: root.isNarrow ? root.width - root.textLeft - root.margin : root.beside
 
     objectName: "entry" + root.index
+    activeFocusOnTab: root.isCurrent || root.activeFocus // which must not lose it
     implicitHeight: Math.max(words.height, figures.y - root.padding + figures.height) + 2 * root.padding
     Accessible.role: Accessible.ListItem
     Accessible.name: root.spokenText
-    Accessible.description: root.path + ", " + root.dateText
+    Accessible.description: root.path + ", " + root.dateText + ", " + root.spokenPlace
     Accessible.focusable: true
     Accessible.focused: root.activeFocus
 

@@ -34,19 +34,29 @@ FocusScope {
             visible: !root.model.isEmpty
             label: "Riwayat"
             model: root.model
+            /// What is new stands first. What somebody looks at stays where it is.
+            function beginAtNewest(): void {
+                if (list.visible)
+                    list.rows.currentIndex = 0;
+                else
+                    list.startAgain();
+            }
+            Connections {
+                target: root.model
+                enabled: !list.activeFocus
+                function onRowsInserted() { Qt.callLater(list.beginAtNewest); } // once the list knows of it
+            }
             delegate: HistoryRow {
                 id: row
                 width: ListView.view.width
                 isCurrent: ListView.isCurrentItem
                 showsFocus: list.showsFocus
+                spokenPlace: list.placeOf(row.index)
                 // Out of sight is not enough: it would still be read out.
                 ListView.onPooled: row.visible = false
                 ListView.onReused: row.visible = true
                 onPressed: list.choose(row.index, row)
-                onHintRequested: (about, text) => {
-                    hint.about = about;
-                    hint.text = about !== null ? text : "";
-                }
+                onHintRequested: (about, text) => list.tell(about, text)
             }
         }
         Rectangle {
@@ -55,12 +65,5 @@ FocusScope {
             height: 1
             color: Brand.separator
         }
-    }
-    Hint { // one for all rows
-        id: hint
-        property Item about: null
-        objectName: "rowHint"
-        parent: about ?? root
-        shown: about !== null
     }
 }

@@ -19,10 +19,29 @@ namespace {
 
 using Row = ItemListModel::Row;
 
+/// Without the path at its end, which the row shows by itself.
+QString detailText(const CleanupItem& item) {
+    std::string_view detail = item.detail;
+    const auto path = "\n" + item.displayPath();
+    if (detail.ends_with(path))
+        detail.remove_suffix(path.size());
+    return screenLines(detail);
+}
+
+/// All that the row shows but for its title and its date.
+QString spokenDetail(const CleanupItem& item) {
+    QStringList texts = {item.recommended ? "Direkomendasikan" : "",
+                         item.isSelectable() ? screenText(item.action.verb()) : "tidak bisa dipilih",
+                         detailText(item).replace('\n', ", "), screenText(item.displayPath())};
+    std::ranges::transform(item.warnings, std::back_inserter(texts), screenText);
+    texts.removeAll("");
+    return texts.join(", ");
+}
+
 constexpr auto itemRoles = std::to_array<ListRole<Row>>({
     {"section", [](const Row& row) -> QVariant { return screenText(rawValue(row.item.category)); }},
     {"title", [](const Row& row) -> QVariant { return screenText(row.item.title); }},
-    {"detail", [](const Row& row) -> QVariant { return screenText(row.item.detail); }},
+    {"detail", [](const Row& row) -> QVariant { return detailText(row.item); }},
     {"path", [](const Row& row) -> QVariant { return screenText(row.item.displayPath()); }},
     {"fullPath", [](const Row& row) -> QVariant { return screenText(row.item.path); }},
     {"warnings",
@@ -57,13 +76,7 @@ constexpr auto itemRoles = std::to_array<ListRole<Row>>({
                             sizeText(row.item.bytes)}
              .join(", ");
      }},
-    {"spokenDetail",
-     [](const Row& row) -> QVariant {
-         QStringList texts = {screenText(row.item.detail), screenText(row.item.displayPath())};
-         std::ranges::transform(row.item.warnings, std::back_inserter(texts), screenText);
-         texts.removeAll("");
-         return texts.join(", ");
-     }},
+    {"spokenDetail", [](const Row& row) -> QVariant { return spokenDetail(row.item); }},
 });
 
 /// The same one in another report, in the same section.

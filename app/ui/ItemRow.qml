@@ -3,7 +3,7 @@ import QtQuick
 import Korvanti.Ui
 
 /// One item: a checkbox, what it is and where it lies, and at the right its size and what cleaning does to it.
-Item {
+RowItem {
     id: root
 
     required property int index
@@ -27,6 +27,7 @@ Item {
 
     property bool isCurrent: false
     property bool showsFocus: false ///< the current row, while keys are used
+    property string spokenPlace: "" ///< among the others
     property bool endsSection: false
 
     signal pressed
@@ -49,14 +50,18 @@ Item {
     readonly property bool isNarrow: root.beside < Brand.scaled(200)
 
     objectName: "row:" + root.fullPath
+    activeFocusOnTab: root.isCurrent || root.activeFocus // which must not lose it
     implicitHeight: Math.max(words.height, figures.y - root.padding + figures.height) + 2 * root.padding
         + (root.endsSection ? 0 : 1)
-    Accessible.role: Accessible.ListItem
+    Accessible.role: Accessible.CheckBox
     Accessible.name: root.spokenTitle
-    Accessible.description: root.spokenDetail
+    Accessible.description: [root.spokenDetail, root.lastActivity, root.spokenPlace].filter(text => text !== "").join(", ")
+    Accessible.checkable: root.isSelectable
+    Accessible.checked: root.isSelected
+    Accessible.onPressAction: root.toggleRequested()
+    Accessible.onToggleAction: root.toggleRequested()
     Accessible.focusable: true
     Accessible.focused: root.activeFocus
-    Accessible.selected: root.isSelected
 
     Rectangle {
         anchors.fill: parent
@@ -96,6 +101,7 @@ Item {
         enabled: root.isSelectable
         label: root.title
         focusPolicy: Qt.NoFocus // Space on the row does the same
+        Accessible.ignored: true // the row says it
         onClicked: root.toggleRequested()
     }
 
@@ -304,7 +310,7 @@ Item {
             y: verbText.y
             x: root.isNarrow ? 0 : parent.width - width
             visible: root.isManual
-            activeFocusOnTab: root.isCurrent
+            activeFocusOnTab: root.isCurrent || guideButton.activeFocus
             text: root.showInstructions ? "Tutup panduan" : "Cara membersihkan"
             onClicked: {
                 guide.moves = true;

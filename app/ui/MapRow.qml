@@ -3,7 +3,7 @@ import QtQuick
 import Korvanti.Ui
 
 /// One folder of the map: what it is called, how large it is beside the largest root, and its size.
-Item {
+RowItem {
     id: root
 
     required property int index
@@ -20,6 +20,7 @@ Item {
 
     property bool isCurrent: false
     property bool showsFocus: false ///< the current row, while keys are used
+    property string spokenPlace: "" ///< among the others
 
     signal pressed
     signal toggleRequested
@@ -32,10 +33,11 @@ Item {
     readonly property real indent: Math.min(root.depth * 20, Math.max(0, bar.x - 12 - Brand.scaled(120) - root.margin))
 
     objectName: "row:" + root.path
+    activeFocusOnTab: root.isCurrent || root.activeFocus // which must not lose it
     implicitHeight: Math.max(Brand.scaled(34), nameText.height + 8)
     Accessible.role: Accessible.TreeItem
     Accessible.name: root.spokenText
-    Accessible.description: root.spokenState
+    Accessible.description: root.spokenState + ", " + root.spokenPlace
     Accessible.focusable: true
     Accessible.focused: root.activeFocus
     Accessible.onPressAction: root.toggleRequested()

@@ -3,7 +3,12 @@
 #include "base/ByteText.h"
 #include "base/Text.h"
 
+#include <QChar>
+#include <QRegularExpression>
 #include <QString>
+#include <QStringList>
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,6 +19,22 @@ namespace korvanti {
 /// nothing is found again by it.
 [[nodiscard]] inline QString screenText(std::string_view bytes) {
     return QString::fromStdString(Text::printable(bytes));
+}
+
+/// The same where several lines are meant, such as what a tool said: each line as `screenText` makes it.
+[[nodiscard]] inline QString screenLines(std::string_view bytes) {
+    QStringList lines;
+    for (std::size_t start = 0, end = 0; start <= bytes.size(); start = end + 1) {
+        end = std::min(bytes.find('\n', start), bytes.size());
+        lines.append(screenText(Text::trimmed(bytes.substr(start, end - start), "\r")));
+    }
+    return lines.join('\n').trimmed();
+}
+
+/// The same for a sentence that may be broken into lines: the sizes in it ("350 MB") stay whole.
+[[nodiscard]] inline QString screenSentence(std::string_view bytes) {
+    static const QRegularExpression size("(?<=[0-9]) (?=(?:byte|[KMGTPE]B)\\b)");
+    return screenText(bytes).replace(size, QString(QChar::Nbsp));
 }
 
 /// A size for the screen.

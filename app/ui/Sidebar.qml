@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 import Korvanti.Ui
 
 /// The panes to choose from, and below them how full the disk is.
@@ -10,6 +11,11 @@ Rectangle {
     required property FrameModel model
 
     color: Brand.sidebar
+
+    /// The keys are here from now on, so that the pane is read out.
+    function focusPanes(): void {
+        list.forceActiveFocus(Qt.ShortcutFocusReason);
+    }
 
     Rectangle {
         anchors.right: parent.right
@@ -57,13 +63,19 @@ Rectangle {
         activeFocusOnTab: true
         keyNavigationEnabled: false
         model: root.model.panes
+        currentIndex: root.model.pane // which has the focus inside the list
         Accessible.role: Accessible.List
         Accessible.name: "Bagian"
         Keys.onUpPressed: root.model.choosePane(root.model.pane - 1)
         Keys.onDownPressed: root.model.choosePane(root.model.pane + 1)
+        Keys.onPressed: event => {
+            event.accepted = event.key === Qt.Key_Home || event.key === Qt.Key_End;
+            if (event.accepted)
+                root.model.choosePane(event.key === Qt.Key_Home ? 0 : list.count - 1);
+        }
         ScrollBar.vertical: SlimScrollBar {}
 
-        delegate: AbstractButton {
+        delegate: T.ItemDelegate { // whose own role is the one that it has here
             id: row
             required property int index
             required property string title
@@ -77,7 +89,6 @@ Rectangle {
             implicitHeight: Brand.scaled(32)
             focusPolicy: Qt.NoFocus
             text: row.title
-            Accessible.role: Accessible.ListItem
             Accessible.name: row.badge === "" ? row.title : row.title + ", " + row.badge
             Accessible.selected: row.chosen
             onClicked: root.model.choosePane(row.index)

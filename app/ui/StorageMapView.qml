@@ -101,6 +101,10 @@ FocusScope {
                         moveTo(parentRow);
                 }
             }
+            function goRight(): void {
+                if (!root.model.tree.expand(currentIndex) && root.model.tree.parentRow(currentIndex + 1) === currentIndex)
+                    moveTo(currentIndex + 1);
+            }
             function toggle(row: int): void {
                 if (!root.model.tree.collapse(row))
                     root.model.tree.expand(row);
@@ -111,21 +115,22 @@ FocusScope {
             visible: root.model.hasMap
             label: "Peta penyimpanan"
             role: Accessible.Tree
-            topGap: 6
-            bottomGap: 12
+            rows.topMargin: 6
+            rows.bottomMargin: 12
             model: root.model.tree
-            Keys.onRightPressed: root.model.tree.expand(currentIndex)
+            Keys.onRightPressed: goRight()
             Keys.onLeftPressed: goLeft()
             Keys.onSpacePressed: toggle(currentIndex)
             onMenuRequested: (row, item) => {
                 root.model.openMenu(row);
-                menu.popup(item, Brand.scaled(42), Brand.scaled(28));
+                menu.popupByKey(item, Brand.scaled(42), Brand.scaled(28));
             }
             delegate: MapRow {
                 id: row
                 width: ListView.view.width
                 isCurrent: ListView.isCurrentItem
                 showsFocus: tree.showsFocus
+                spokenPlace: tree.placeOf(row.index)
                 // Out of sight is not enough: it would still be read out.
                 ListView.onPooled: row.visible = false
                 ListView.onReused: row.visible = true
@@ -135,19 +140,9 @@ FocusScope {
                     root.model.openMenu(row.index);
                     menu.popup(row, x, y);
                 }
-                onHintRequested: (about, text) => {
-                    hint.about = about;
-                    hint.text = about !== null ? text : "";
-                }
+                onHintRequested: (about, text) => tree.tell(about, text)
             }
         }
-    }
-    Hint { // one for all rows
-        id: hint
-        property Item about: null
-        objectName: "rowHint"
-        parent: about ?? root
-        shown: about !== null
     }
     ContextMenu {
         id: menu

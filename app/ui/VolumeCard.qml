@@ -160,6 +160,7 @@ Card {
                 id: work
                 objectName: "workButton"
                 text: root.workText
+                Accessible.description: root.name
                 enabled: root.canBecomeWorkVolume
                 onClicked: root.workVolumeRequested()
             }
@@ -167,6 +168,7 @@ Card {
                 id: test
                 objectName: "testButton"
                 text: root.testText
+                Accessible.description: root.name
                 enabled: root.canTest
                 onClicked: root.testRequested()
             }
@@ -174,12 +176,14 @@ Card {
                 id: reveal
                 objectName: "revealButton"
                 text: "Tampilkan"
+                Accessible.description: root.name
                 onClicked: root.revealRequested()
             }
             PlainButton {
                 id: eject
                 objectName: "ejectButton"
                 text: "Keluarkan"
+                Accessible.description: root.name
                 onClicked: root.ejectRequested()
             }
         }

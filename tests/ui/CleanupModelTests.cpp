@@ -211,7 +211,8 @@ TEST_F(CleanupModelTests, aRowHasReadyTexts) {
     EXPECT_EQ(text(0, "verb"), "Pindah ke Tong Sampah");
     EXPECT_EQ(role(0, "safety"), 2);
     EXPECT_EQ(text(0, "spokenTitle"), "Title, Periksa dulu, " + bytesText(12'300'000));
-    EXPECT_EQ(text(0, "spokenDetail"), "Detail, ~/things/Title, one, two");
+    EXPECT_EQ(text(0, "spokenDetail"),
+              "Direkomendasikan, Pindah ke Tong Sampah, Detail, ~/things/Title, one, two");
     EXPECT_EQ(role(0, "isSelectable"), true);
     EXPECT_EQ(role(0, "isRecommended"), true);
     EXPECT_EQ(role(0, "isManual"), false);

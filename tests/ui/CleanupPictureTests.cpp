@@ -91,6 +91,20 @@ TEST_P(CleanupPictureTests, whatACleanupDid) {
     take("result");
 }
 
+TEST_P(CleanupPictureTests, whatAToolSaidInLines) {
+    mac.answerWithScript("xcrun simctl delete A3D94C12-7B60-49E1-8F02-5C1D9E7740AB",
+                         "printf 'An error was encountered.\\nUnable to delete.\\n' >&2; exit 1");
+    open(Pane::cleanup);
+    layChosen();
+    model().requestCleanup(chosen());
+    model().confirmCleanup();
+    ASSERT_TRUE(waitFor([&] { return !model().isCleaning(); }));
+    settle();
+    EXPECT_TRUE(texts().contains("An error was encountered.\nUnable to delete."))
+        << texts().join(" | ").toStdString();
+    take("result-lines");
+}
+
 INSTANTIATE_TEST_SUITE_P(EachLook, CleanupPictureTests, eachLook, nameOfLook);
 
 } // namespace

@@ -326,7 +326,8 @@ TEST_F(CleanupViewTests, theMenuOpensAndIsUsedByKeys) {
     press(Qt::Key_F10, Qt::ShiftModifier);
     settle(150);
     ASSERT_NE(find("cleanOneEntry"), nullptr);
-    for (int entry = 0; entry < 3; ++entry)
+    EXPECT_TRUE(item("revealEntry").hasActiveFocus()) << "the first is there already";
+    for (int entry = 0; entry < 2; ++entry)
         press(Qt::Key_Down);
     press(Qt::Key_Return);
     ASSERT_TRUE(model().pendingCleanup().has_value());
@@ -562,14 +563,88 @@ TEST_F(CleanupViewTests, itReadsWell) {
               "DerivedData, Aman, " + QString::fromStdString(bytesText(1'000'000)));
     EXPECT_EQ(
         QAccessible::queryAccessibleInterface(&item(rowOf("DerivedData")))->text(QAccessible::Description),
-        "Hasil build., ~/things/DerivedData, Tutup Xcode.");
-    EXPECT_EQ(roleOf(rowOf("DerivedData")), QAccessible::ListItem);
-    EXPECT_EQ(nameOf(checkOf("DerivedData")), "DerivedData");
-    EXPECT_EQ(roleOf(checkOf("DerivedData")), QAccessible::CheckBox);
-    EXPECT_TRUE(QAccessible::queryAccessibleInterface(&item(checkOf("DerivedData")))->state().checked);
+        "Direkomendasikan, Hapus permanen, Hasil build., ~/things/DerivedData, Tutup Xcode., 1 dari 2");
+    EXPECT_EQ(roleOf(rowOf("DerivedData")), QAccessible::CheckBox);
     EXPECT_EQ(nameOf(guideOf("guide")), "Cara membersihkan");
     EXPECT_EQ(nameOf("cleanButton"), "Bersihkan…");
     EXPECT_EQ(roleOf("cleanButton"), QAccessible::Button);
+}
+
+TEST_F(CleanupViewTests, aRowIsTheCheckBoxOfItsItem) {
+    QAccessible::setActive(true);
+    open({thing("a"), guided("guide")});
+    const auto faceOf = [&](const QString& name) {
+        return QAccessible::queryAccessibleInterface(&item(name));
+    };
+    auto* const row = faceOf(rowOf("a"));
+    EXPECT_EQ(row->role(), QAccessible::CheckBox);
+    EXPECT_TRUE(row->state().checkable);
+    EXPECT_TRUE(row->state().checked);
+    for (int place = 0; place < row->childCount(); ++place)
+        EXPECT_NE(row->child(place)->role(), QAccessible::CheckBox) << "the same twice";
+    item("itemList").forceActiveFocus(Qt::TabFocusReason);
+    EXPECT_TRUE(row->state().focused);
+    press(Qt::Key_Space);
+    EXPECT_FALSE(row->state().checked);
+    row->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_TRUE(row->state().checked);
+    auto* const fixed = faceOf(rowOf("guide"));
+    EXPECT_FALSE(fixed->state().checkable);
+    EXPECT_FALSE(fixed->state().checked);
+    EXPECT_TRUE(fixed->text(QAccessible::Description).startsWith("tidak bisa dipilih, "));
+    QAccessible::setActive(false);
+}
+
+TEST_F(CleanupViewTests, theTabKeyComesToTheCurrentRow) {
+    open({thing("a"), guided("b"), thing("c")});
+    item("clearSelectionButton").forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(item(rowOf("a")).hasActiveFocus());
+    EXPECT_TRUE(item("itemList").property("showsFocus").toBool());
+    press(Qt::Key_Down);
+    EXPECT_TRUE(item(rowOf("b")).hasActiveFocus());
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(item(guideOf("b")).hasActiveFocus());
+    press(Qt::Key_Tab, Qt::ShiftModifier);
+    EXPECT_TRUE(item(rowOf("b")).hasActiveFocus());
+    press(Qt::Key_Tab, Qt::ShiftModifier);
+    EXPECT_TRUE(item("clearSelectionButton").hasActiveFocus());
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(item(rowOf("b")).hasActiveFocus());
+    click(rowOf("c"));
+    EXPECT_TRUE(item(rowOf("c")).hasActiveFocus());
+    EXPECT_FALSE(item("itemList").property("showsFocus").toBool()) << "for keys only";
+}
+
+TEST_F(CleanupViewTests, theTabKeyBringsTheCurrentRowIntoView) {
+    std::vector<CleanupItem> items;
+    for (int number = 0; number < 100; ++number)
+        items.push_back(thing("row " + std::to_string(number)));
+    open(std::move(items));
+    list().setProperty("contentY", 2'000.0);
+    settle();
+    item("clearSelectionButton").forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Tab);
+    settle();
+    EXPECT_TRUE(item(rowOf("row 0")).hasActiveFocus());
+    EXPECT_GE(place(rowOf("row 0")).top(), place("items").top() + 34);
+}
+
+TEST_F(CleanupViewTests, aPathAtTheEndOfTheDetailIsNotShownTwice) {
+    auto project = thing("node_modules");
+    project.detail = "Dependensi proyek.\n~/things/node_modules";
+    auto other = thing("other");
+    other.detail = "Satu.\nDua\x1b";
+    open({project, other});
+    EXPECT_EQ(texts(&item(rowOf("node_modules"))).count("Dependensi proyek."), 1)
+        << texts().join("|").toStdString();
+    EXPECT_TRUE(texts(&item(rowOf("other"))).contains("Satu.\nDua\uFFFD"));
+    EXPECT_EQ(
+        QAccessible::queryAccessibleInterface(&item(rowOf("node_modules")))->text(QAccessible::Description),
+        "Direkomendasikan, Hapus permanen, Dependensi proyek., ~/things/node_modules, 1 dari 2");
+    EXPECT_TRUE(QAccessible::queryAccessibleInterface(&item(rowOf("other")))
+                    ->text(QAccessible::Description)
+                    .contains("Satu., Dua\uFFFD, ~/things/other"));
 }
 
 // Room

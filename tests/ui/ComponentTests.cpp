@@ -177,6 +177,12 @@ TEST_F(ComponentTests, everyDigitOfAFigureIsEquallyWide) {
     EXPECT_EQ(item("none").width(), 0);
 }
 
+TEST_F(ComponentTests, theUnitOfAFigureStandsApartFromIt) {
+    showControl("Column { Figure { objectName: \"apart\"; text: \"550 MB\" } Figure { objectName: \"none\"; "
+                "text: \"550MB\" } }");
+    EXPECT_GE(item("apart").width() - item("none").width(), 0.25 * 13);
+}
+
 struct SafetyRow {
     Safety safety;
     const char* label;
@@ -311,6 +317,33 @@ TEST_F(ComponentTests, aSegmentOnlyAsksAndTheArrowsDo) {
     EXPECT_EQ(told(), "210");
 }
 
+TEST_F(ComponentTests, theKeysAreAtTheChosenSegmentWhichIsToldAsThat) {
+    QAccessible::setActive(true);
+    showControl("SegmentedPicker { objectName: \"seg\"; label: \"Tampilkan\"; model: [\"A\", \"B\", \"C\"]; "
+                "currentIndex: 1; onActivated: index => currentIndex = index }");
+    const auto faceOf = [&](const char* name) { return QAccessible::queryAccessibleInterface(&item(name)); };
+    for (const auto* segment : {"segment0", "segment1", "segment2"}) {
+        EXPECT_EQ(faceOf(segment)->role(), QAccessible::RadioButton);
+        EXPECT_TRUE(faceOf(segment)->state().checkable);
+    }
+    EXPECT_FALSE(faceOf("segment0")->state().checked);
+    EXPECT_TRUE(faceOf("segment1")->state().checked);
+    EXPECT_EQ(nameOf("seg"), "Tampilkan");
+    EXPECT_EQ(faceOf("seg")->text(QAccessible::Description), "B");
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(item("segment1").hasActiveFocus());
+    press(Qt::Key_Right);
+    EXPECT_TRUE(item("segment2").hasActiveFocus());
+    EXPECT_TRUE(faceOf("segment2")->state().checked);
+    EXPECT_FALSE(faceOf("segment1")->state().checked);
+    press(Qt::Key_Tab);
+    press(Qt::Key_Tab, Qt::ShiftModifier);
+    EXPECT_TRUE(item("segment2").hasActiveFocus()) << "one stop";
+    faceOf("segment0")->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(item("seg").property("currentIndex").toInt(), 0);
+    QAccessible::setActive(false);
+}
+
 TEST_F(ComponentTests, segmentsShareWhatRoomThereIs) {
     showControl("SegmentedPicker { objectName: \"seg\"; model: [\"Rekomendasi\", \"Bisa dibersihkan\", "
                 "\"Periksa dulu\"]; currentIndex: 0; width: 150 }");
@@ -333,6 +366,30 @@ TEST_F(ComponentTests, aDropdownTellsWhatIsChosen) {
     press(Qt::Key_Down);
     press(Qt::Key_Return);
     EXPECT_EQ(told(), "12");
+}
+
+TEST_F(ComponentTests, whatTheKeysAreAtInADropdownIsTold) {
+    showControl("DropdownPicker { objectName: \"drop\"; label: \"Kategori\"; model: [\"Semua\", \"Xcode\", "
+                "\"Simulator\"] }");
+    const auto description = [&] {
+        return QAccessible::queryAccessibleInterface(&item("drop"))
+            ->text(QAccessible::Description)
+            .toStdString();
+    };
+    press(Qt::Key_Tab);
+    EXPECT_EQ(nameOf("drop"), "Kategori");
+    EXPECT_EQ(description(), "Semua, tertutup");
+    press(Qt::Key_Space);
+    settle(300);
+    EXPECT_EQ(nameOf("drop"), "Kategori, Semua");
+    EXPECT_EQ(description(), "Semua, terbuka");
+    press(Qt::Key_Down);
+    EXPECT_EQ(nameOf("drop"), "Kategori, Xcode");
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&item("choice1"))->role(), QAccessible::ListItem);
+    press(Qt::Key_Escape);
+    settle(300);
+    EXPECT_EQ(nameOf("drop"), "Kategori");
+    EXPECT_EQ(description(), "Semua, tertutup");
 }
 
 TEST_F(ComponentTests, theSearchTellsWhatIsWrittenAndEscapeTakesItAway) {

@@ -88,6 +88,7 @@ TEST_F(FrameModelMountTests, aLongNameGivesWayToWhatIsFree) {
     adopt(*panel);
     settle(100);
     grab("panel-volumes.png");
+    EXPECT_EQ(unspokenTexts().join(" | ").toStdString(), "");
     EXPECT_TRUE(item("panelVolume0").property("truncated").toBool());
     EXPECT_LT(place("panelVolume0").right(), place("panelVolumeFree0").left());
     EXPECT_LE(place("panelVolumeFree0").right(), place("panel").right() - 16);

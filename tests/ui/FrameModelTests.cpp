@@ -296,7 +296,7 @@ TEST_F(FrameModelTests, aMessageIsOneLineWhateverNamesAreInIt) {
     model().setLoginItem(true);
     EXPECT_FALSE(frame().errorMessage().contains('\n'));
     EXPECT_FALSE(frame().errorMessage().contains(QChar(0x1b)));
-    EXPECT_TRUE(frame().errorMessage().startsWith("Gagal mengubah 'buka saat login': tak"));
+    EXPECT_TRUE(frame().errorMessage().startsWith("Gagal mengubah 'buka saat login': tak bisa \uFFFD"));
 }
 
 TEST_F(FrameModelTests, withNothingUnderWayItQuitsWithoutAsking) {

@@ -147,6 +147,7 @@ TEST_P(SettingsPictureTests, theSettings) {
     show("SettingsView { anchors.fill: parent }", {520, 460}, {{"model", QVariant::fromValue(&shown)}});
     resize(520, 460);
     settle(300);
+    EXPECT_EQ(unspokenTexts().join(" | ").toStdString(), "");
     keep(grab(), "settings");
     show("Item {}"); // the view goes before its model
 }

@@ -485,6 +485,22 @@ TEST_F(MapViewTests, theArrowsGoThroughTheTree) {
     EXPECT_EQ(current(), 3);
 }
 
+TEST_F(MapViewTests, theRightKeyGoesIntoAnOpenFolder) {
+    open(smallMap());
+    item("generateButton").forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(item("row:/a").hasActiveFocus());
+    press(Qt::Key_Right);
+    settle();
+    EXPECT_EQ(current(), 0) << "it opens first";
+    press(Qt::Key_Right);
+    EXPECT_TRUE(item("row:/a/b").hasActiveFocus());
+    press(Qt::Key_End);
+    const int last = current();
+    press(Qt::Key_Right);
+    EXPECT_EQ(current(), last) << "a leaf";
+}
+
 TEST_F(MapViewTests, theMenuOpensByMouseAndCopiesAndReveals) {
     mac.home.file("things/a");
     open(mapOf({leaf("/Users/tester/things/a"), leaf("/b c")}));
@@ -506,7 +522,7 @@ TEST_F(MapViewTests, theMenuOpensByKeyAsWell) {
     press(Qt::Key_F10, Qt::ShiftModifier);
     settle(150);
     ASSERT_TRUE(find("copyPathEntry"));
-    press(Qt::Key_Down);
+    EXPECT_TRUE(item("revealEntry").hasActiveFocus()) << "the first is there already";
     press(Qt::Key_Down);
     press(Qt::Key_Return);
     settle(150);
@@ -605,10 +621,10 @@ TEST_F(MapViewTests, everythingHasItsNameAndRole) {
     EXPECT_EQ(row->role(), QAccessible::TreeItem);
     EXPECT_EQ(row->text(QAccessible::Name),
               "a, 100 byte, 1 folder tidak terbaca — aktifkan Full Disk Access");
-    EXPECT_EQ(row->text(QAccessible::Description), "tertutup, tingkat 1");
+    EXPECT_EQ(row->text(QAccessible::Description), "tertutup, tingkat 1, 1 dari 2");
     row->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     settle();
-    EXPECT_EQ(row->text(QAccessible::Description), "terbuka, tingkat 1");
+    EXPECT_EQ(row->text(QAccessible::Description), "terbuka, tingkat 1, 1 dari 4");
     EXPECT_TRUE(find("row:/a/b"));
     EXPECT_EQ(faceOf("generateButton")->text(QAccessible::Name), "Petakan ulang");
 }

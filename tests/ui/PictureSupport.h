@@ -64,6 +64,7 @@ protected:
         const auto picture = grab();
         EXPECT_EQ(picture.size(), GetParam().size) << name;
         EXPECT_GT(coloursOf(picture), 100U) << name << " is as good as blank";
+        EXPECT_EQ(unspokenTexts().join(" | ").toStdString(), "") << name << " has texts that can't be heard";
         keep(picture, name);
     }
     static void keep(const QImage& picture, const std::string& name) {

@@ -379,6 +379,9 @@ TEST_F(SSDViewTests, itReadsWell) {
     EXPECT_TRUE(nameOf("volume0", "capacity").startsWith("Terpakai "));
     EXPECT_EQ(nameOf("volume0", "testButton"), "Uji kecepatan (1 GB)");
     EXPECT_EQ(face("volume0", "testButton")->role(), QAccessible::Button);
+    for (const auto* button : {"workButton", "testButton", "revealButton", "ejectButton"})
+        EXPECT_EQ(face("volume0", button)->text(QAccessible::Description),
+                  face("volume0", "")->text(QAccessible::Name));
     EXPECT_EQ(nameOf("cache2", "cacheCheck"), "Cache npm");
     EXPECT_EQ(face("cache2", "cacheCheck")->role(), QAccessible::CheckBox);
     EXPECT_EQ(face("cache2", "cacheCheck")->text(QAccessible::Description),

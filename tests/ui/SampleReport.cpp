@@ -362,6 +362,8 @@ ScanReport sampleReport(const std::string& home, Instant now) {
         item.recommended = sample.recommended;
         if (sample.hours > 0)
             item.lastActivity = now - std::chrono::hours(sample.hours) - 5min;
+        if (item.category == projects) // says where, as the scan does
+            item.detail += "\n" + item.displayPath();
         item.offloadable = sample.safety == review && sample.kind == Kind::trash && sample.category != apps;
         if (!sample.warning.empty())
             item.warnings.emplace_back(sample.warning);

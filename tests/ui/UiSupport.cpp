@@ -5,6 +5,7 @@
 #include "ui/AppIconProvider.h"
 #include "ui/Ui.h"
 
+#include <QAccessible>
 #include <QColor>
 #include <QFont>
 #include <QGuiApplication>
@@ -64,6 +65,18 @@ void collectTexts(QQuickItem* item, QStringList& texts) {
         texts.append(item->property("text").toString());
     for (auto* child : item->childItems())
         collectTexts(child, texts);
+}
+
+/// Goes through what a reader finds.
+void collectUnspoken(QAccessibleInterface* face, QStringList& texts) {
+    if (face == nullptr || face->state().invisible)
+        return;
+    if (face->role() == QAccessible::StaticText && face->text(QAccessible::Name).isEmpty()) {
+        const auto shown = face->object()->property("text").toString();
+        texts.append(shown.isEmpty() ? face->object()->objectName() : shown);
+    }
+    for (int place = 0; place < face->childCount(); ++place)
+        collectUnspoken(face->child(place), texts);
 }
 
 } // namespace
@@ -201,6 +214,12 @@ QString UiTests::text(const QString& objectName, const char* property) {
 QStringList UiTests::texts(QQuickItem* below) {
     QStringList texts;
     collectTexts(below ? below : shown().contentItem(), texts);
+    return texts;
+}
+
+QStringList UiTests::unspokenTexts() {
+    QStringList texts;
+    collectUnspoken(QAccessible::queryAccessibleInterface(&shown()), texts);
     return texts;
 }
 

@@ -71,6 +71,9 @@ protected:
     /// All text that can be seen, from top to bottom as the items lie in each other.
     [[nodiscard]] QStringList texts(QQuickItem* below = nullptr);
 
+    /// What is read out without saying anything: the texts without a name, by what they show.
+    [[nodiscard]] QStringList unspokenTexts();
+
     void click(const QString& objectName);
     void hover(const QString& objectName);
     /// Holds the button down on it until `release`.

@@ -4,6 +4,7 @@
 #include "support/DiskSpace.h"
 #include "support/Environment.h"
 
+#include <QAccessible>
 #include <QSignalSpy>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -94,6 +95,50 @@ TEST_F(WindowTests, theArrowsGoThroughTheSidebarAndStopAtItsEnds) {
     EXPECT_EQ(frame().pane(), 5);
     press(Qt::Key_Up);
     EXPECT_EQ(frame().pane(), 4);
+}
+
+TEST_F(WindowTests, theChosenPaneHasTheFocusInTheSidebar) {
+    open();
+    frame().choosePane(4);
+    item("paneList").forceActiveFocus(Qt::TabFocusReason);
+    EXPECT_TRUE(item("pane4").hasActiveFocus()) << "what a reader tells";
+    for (const auto key : {Qt::Key_Space, Qt::Key_Return}) {
+        press(key);
+        EXPECT_EQ(frame().pane(), 4);
+    }
+    press(Qt::Key_Down);
+    EXPECT_TRUE(item("pane5").hasActiveFocus());
+    press(Qt::Key_Home);
+    EXPECT_EQ(frame().pane(), 0);
+    EXPECT_TRUE(item("pane0").hasActiveFocus());
+    press(Qt::Key_End);
+    EXPECT_EQ(frame().pane(), 5);
+    EXPECT_TRUE(item("pane5").hasActiveFocus());
+    click("pane2");
+    EXPECT_TRUE(item("pane2").hasActiveFocus());
+}
+
+TEST_F(WindowTests, aPaneChosenByItsKeyIsReadOut) {
+    open();
+    press(Qt::Key_2, Qt::ControlModifier);
+    EXPECT_TRUE(item("pane1").hasActiveFocus());
+    click("searchField");
+    press(Qt::Key_2, Qt::ControlModifier);
+    EXPECT_TRUE(item("searchField").hasActiveFocus()) << "it is there already";
+    press(Qt::Key_4, Qt::ControlModifier);
+    EXPECT_TRUE(item("pane3").hasActiveFocus());
+}
+
+TEST_F(WindowTests, aRowOfTheSidebarIsAnItemOfAListForWhoeverListens) {
+    QAccessible::setActive(true);
+    open();
+    auto* const face = QAccessible::queryAccessibleInterface(&item("pane1"));
+    EXPECT_EQ(face->role(), QAccessible::ListItem);
+    EXPECT_TRUE(face->text(QAccessible::Name).startsWith("Pembersihan"));
+    EXPECT_FALSE(face->state().selected);
+    frame().choosePane(1);
+    EXPECT_TRUE(face->state().selected);
+    QAccessible::setActive(false);
 }
 
 TEST_F(WindowTests, theScanKeyScansAndDoesNothingDuringAScan) {
