@@ -185,7 +185,7 @@ Item {
         visible: root.isRemovable
         activeFocusOnTab: root.isCurrent
         text: "Hapus…"
-        Accessible.description: root.name
+        about: root.name
         onClicked: root.removeRequested()
     }
 
