@@ -14,6 +14,7 @@ Control {
     property alias role: list.role
     property alias topGap: list.topMargin
     property alias bottomGap: list.bottomMargin
+    readonly property alias contentHeight: list.contentHeight
     readonly property alias currentIndex: list.currentIndex
     readonly property alias currentItem: list.currentItem
     /// Keys move through the list, so that it has to be seen where they are.
