@@ -508,7 +508,7 @@ TEST_F(AppsViewTests, aBundleWhoseNameIsNoTextIsRemovedByItsVeryBytes) {
     const auto shown = "remove:/Applications/odd\uFFFD\uFFFD.app";
     ASSERT_NE(find(shown), nullptr);
     click(shown);
-    settle(250);
+    readSheet();
     click("uninstallButton");
     waitForTheQuestion();
     click("confirmButton");
@@ -558,7 +558,7 @@ TEST_F(AppsViewTests, allOfItGoesByKeysAlone) {
     press(Qt::Key_Down);
     ASSERT_TRUE(focusIsOn(oldRow));
     press(Qt::Key_Return);
-    settle(250);
+    readSheet();
     ASSERT_NE(find("uninstallButton"), nullptr);
     press(Qt::Key_Tab);
     ASSERT_TRUE(focusIsOn("choiceCheck0"));
