@@ -12,10 +12,6 @@ Item {
     // Not from the fraction: 0.29 times 100 is less than 29.
     readonly property int percent: root.total < 1 ? 0 : Math.max(0, Math.min(100, Math.floor(100 * root.used / root.total)))
     property double shownFraction: root.fraction
-    // What is asked for by those who can't see it.
-    readonly property int value: root.percent
-    readonly property int minimumValue: 0
-    readonly property int maximumValue: 100
 
     implicitWidth: 200
     implicitHeight: 12

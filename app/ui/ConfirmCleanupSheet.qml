@@ -217,13 +217,9 @@ Sheet {
             height: 6
             radius: 3
             color: Brand.capacityTrack
-            // What is asked for by those who can't see it.
-            readonly property int value: Math.floor(100 * root.model.progress)
-            readonly property int minimumValue: 0
-            readonly property int maximumValue: 100
             Accessible.role: Accessible.ProgressBar
             Accessible.name: runningTitle.text
-            Accessible.description: value + " %"
+            Accessible.description: Math.floor(100 * root.model.progress) + " %"
             Rectangle {
                 width: Math.max(height, parent.width * root.model.progress)
                 height: parent.height
