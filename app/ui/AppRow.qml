@@ -187,7 +187,7 @@ RowItem {
         visible: root.isRemovable
         activeFocusOnTab: root.isCurrent || removeButton.activeFocus
         text: "Hapus…"
-        Accessible.description: root.name
+        about: root.name
         onClicked: root.removeRequested()
     }
 

@@ -11,7 +11,7 @@ Sheet {
 
     readonly property int margin: 28
 
-    sheetHeight: 540
+    sheetHeight: Brand.scaled(540)
     shown: root.model.isOpen
     title: root.model.name
     defaultButton: confirmButton

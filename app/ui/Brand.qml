@@ -84,6 +84,7 @@ QtObject {
     readonly property int sheetDuration: Theme.reducedMotion ? 100 : 180
     readonly property int sheetOutDuration: Theme.reducedMotion ? 100 : 120
     readonly property int fadeDuration: Theme.reducedMotion ? 100 : 90
+    readonly property int slideDuration: Theme.reducedMotion ? 0 : 90
     readonly property int openDuration: Theme.reducedMotion ? 0 : 160
     readonly property int growDuration: Theme.reducedMotion ? 0 : 320
     readonly property int sheetRise: Theme.reducedMotion ? 0 : 8 // pixels

@@ -25,7 +25,7 @@ Item {
         y: words.y + Math.round((titleText.type.lineHeight - height) / 2)
         marked: root.isChosen
         label: root.title
-        Accessible.description: root.detail
+        about: root.detail
         onClicked: root.toggleRequested()
     }
     Column {

@@ -1,22 +1,12 @@
 import QtQuick
-import QtQuick.Templates as T
 import Korvanti.Ui
 
-/// A checkbox that shows what its owner says: a click only asks.
-T.CheckBox { // a button with another role has its own again once somebody listens
+/// A checkbox.
+Checkable {
     id: root
-
-    required property bool marked
-    required property string label ///< what is chosen, for those who can't see it
 
     implicitWidth: Brand.scaled(16)
     implicitHeight: Brand.scaled(16)
-    focusPolicy: Qt.StrongFocus
-    checked: root.marked
-    nextCheckState: () => root.marked ? Qt.Checked : Qt.Unchecked
-    Accessible.name: root.label
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
     containmentMask: Item { // easier to hit than it is large
         parent: root
         x: -6

@@ -13,6 +13,12 @@ FocusScope {
         search.selectAll();
     }
 
+    /// The button that had the focus can't have it any more, once what was chosen has gone.
+    function passFocusOn(): void {
+        if (cleanButton.focus && !cleanButton.enabled)
+            (list.visible ? list : filter).focus = true;
+    }
+
     readonly property int margin: 24
 
     DateWatch { clock: root.model.items.clock }
@@ -161,6 +167,7 @@ FocusScope {
             anchors { right: parent.right; rightMargin: root.margin; verticalCenter: parent.verticalCenter }
             text: "Bersihkan…"
             enabled: root.model.canClean
+            onEnabledChanged: Qt.callLater(root.passFocusOn)
             onClicked: root.model.requestCleanup()
         }
     }

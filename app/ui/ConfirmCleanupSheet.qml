@@ -16,35 +16,11 @@ Sheet {
 
     shown: root.model.isOpen
     title: root.confirms ? confirmTitle.text : root.runs ? runningTitle.text : resultTitle.text
+    // Warnings that come late are to be read, too.
+    page: root.confirms && root.model.isReady ? ConfirmModel.Result + 1 : root.model.state
     defaultButton: root.confirms ? confirmButton : root.tells ? closeButton : null
+    firstFocus: root.tells ? closeButton : null
     onDismissed: root.model.dismiss()
-
-    component InnerList: Rectangle {
-        default property alias list: holder.data
-        radius: 10
-        color: Brand.innerList
-        border.width: 1
-        border.color: Brand.cardBorder
-        Item { id: holder; anchors { fill: parent; margins: 1 } }
-    }
-    /// Scrolls by keys when there is more than can be seen.
-    component KeyList: ListView {
-        id: keyList
-        property int step: Brand.scaled(28)
-        function scroll(distance: real): void {
-            contentY = Math.max(originY, Math.min(contentY + distance, originY + contentHeight - height));
-        }
-        clip: true
-        reuseItems: true
-        boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: contentHeight > height
-        keyNavigationEnabled: false
-        ScrollBar.vertical: SlimScrollBar {}
-        Accessible.role: Accessible.List
-        Keys.onUpPressed: scroll(-step)
-        Keys.onDownPressed: scroll(step)
-        FocusRing { around: 6; visible: keyList.activeFocus }
-    }
 
     Item {
         id: confirmPage
@@ -125,69 +101,72 @@ Sheet {
                     }
                 }
                 Item { width: 1; height: 16; visible: root.model.warnings.length > 0 }
-                InnerList {
-                    id: itemFrame
-
-                    readonly property real room: body.height - 24 - 16 - y
-
+                SheetList {
+                    objectName: "confirmList"
                     width: parent.width
-                    height: Math.min(Brand.scaled(220), items.contentHeight + 2,
-                                     Math.max(Brand.scaled(92), room))
-                    KeyList {
-                        id: items
-                        objectName: "confirmList"
-                        anchors.fill: parent
-                        model: root.model.rows
-                        Accessible.name: confirmTitle.text
-                        delegate: Item {
-                            id: entry
+                    room: Math.min(Brand.scaled(220), Math.max(Brand.scaled(92), body.height - 24 - 16 - y))
+                    label: confirmTitle.text
+                    model: root.model.rows
+                    bottomGap: Brand.scaled(4) // as far from the frame as the first words
+                    delegate: SheetListRow {
+                        id: entry
 
-                            required property int index
-                            required property bool isHeader
-                            required property string title
-                            required property string text
+                        required property int index
+                        required property bool isHeader
+                        required property string title
+                        required property string text
+                        required property string paths
+                        required property bool showsPaths
 
-                            readonly property int above: entry.isHeader && entry.index > 0 ? 5 : 0
+                        readonly property int above: entry.isHeader && entry.index > 0 ? 5 : 0
+                        readonly property real lineHeight: Brand.scaled(entry.isHeader ? 32 : 28)
 
-                            width: items.width
-                            height: above + Brand.scaled(entry.isHeader ? 32 : 28)
-                            Accessible.role: entry.isHeader ? Accessible.Heading : Accessible.ListItem
-                            Accessible.name: entry.title + ", " + entry.text
+                        objectName: "entry" + entry.index
+                        height: above + lineHeight + (entry.showsPaths ? paths.height + Brand.scaled(4) : 0)
+                        Accessible.role: entry.isHeader ? Accessible.Heading : Accessible.ListItem
+                        Accessible.name: entry.title + ", " + entry.text
+                        Accessible.description: entry.paths
 
-                            Rectangle {
-                                visible: entry.above > 0
-                                y: entry.above - 1
-                                width: parent.width
-                                height: 1
-                                color: Brand.separator
-                            }
-                            BrandText {
-                                anchors {
-                                    left: parent.left; leftMargin: 14
-                                    right: amount.left; rightMargin: 12
-                                    verticalCenter: parent.verticalCenter
-                                    verticalCenterOffset: entry.above / 2
-                                }
-                                style: entry.isHeader ? BrandText.CaptionMedium : BrandText.Body
-                                font.weight: entry.isHeader ? Font.DemiBold : Font.Normal
-                                text: entry.title
-                                elide: Text.ElideRight
-                                horizontalAlignment: Text.AlignLeft
-                                Accessible.ignored: true
-                            }
-                            Figure {
-                                id: amount
-                                anchors {
-                                    right: parent.right; rightMargin: 14
-                                    verticalCenter: parent.verticalCenter
-                                    verticalCenterOffset: entry.above / 2
-                                }
-                                width: Math.max(Brand.scaled(80), implicitWidth)
-                                style: entry.isHeader ? BrandText.CaptionMedium : BrandText.Body
-                                text: entry.text
-                                Accessible.ignored: true
-                            }
+                        Rectangle {
+                            visible: entry.above > 0
+                            y: entry.above - 1
+                            width: parent.width
+                            height: 1
+                            color: Brand.separator
                         }
+                        BrandText {
+                            anchors { left: parent.left; leftMargin: 14; right: amount.left; rightMargin: 12 }
+                            y: entry.above + Math.round((entry.lineHeight - height) / 2)
+                            style: entry.isHeader ? BrandText.CaptionMedium : BrandText.Body
+                            font.weight: entry.isHeader ? Font.DemiBold : Font.Normal
+                            text: entry.title
+                            elide: Text.ElideRight
+                            horizontalAlignment: Text.AlignLeft
+                            Accessible.ignored: true
+                        }
+                        Figure {
+                            id: amount
+                            anchors { right: parent.right; rightMargin: 14 }
+                            y: entry.above + Math.round((entry.lineHeight - height) / 2)
+                            width: Math.max(Brand.scaled(80), implicitWidth)
+                            style: entry.isHeader ? BrandText.CaptionMedium : BrandText.Body
+                            text: entry.text
+                            Accessible.ignored: true
+                        }
+                        BrandText {
+                            id: paths
+                            x: 14
+                            y: entry.above + entry.lineHeight - Brand.scaled(4)
+                            width: parent.width - 28
+                            visible: entry.showsPaths
+                            style: BrandText.Path
+                            text: entry.paths
+                            wrapMode: Text.WrapAnywhere // all of it is what goes
+                            horizontalAlignment: Text.AlignLeft
+                            Accessible.ignored: true
+                        }
+                        HoverHandler { id: pointer }
+                        Hint { text: entry.paths; shown: pointer.hovered && !entry.showsPaths }
                     }
                 }
             }
@@ -312,59 +291,52 @@ Sheet {
             font.weight: Font.DemiBold
             text: root.model.skippedText
         }
-        InnerList {
+        SheetList {
+            objectName: "skippedList"
             x: root.margin
             y: skippedTitle.y + skippedTitle.height + 8
             width: verdict.width
-            height: Math.min(skipped.contentHeight + 2, resultFooter.y - y - 16)
+            room: resultFooter.y - y - 16
             visible: !verdict.isAlone
-            KeyList {
-                id: skipped
-                objectName: "skippedList"
-                anchors.fill: parent
-                step: Brand.scaled(56)
-                model: root.model.skipped
-                Accessible.name: skippedTitle.text
-                delegate: Item {
-                    id: failure
+            label: skippedTitle.text
+            model: root.model.skipped
+            delegate: SheetListRow {
+                id: failure
 
-                    required property int index
-                    required property string title
-                    required property string text
+                required property int index
+                required property string title
+                required property string text
 
-                    width: skipped.width
-                    height: failureTexts.height + 2 * Brand.scaled(10)
-                    Accessible.role: Accessible.ListItem
-                    Accessible.name: failure.title + ", " + failure.text
+                height: failureTexts.height + 2 * Brand.scaled(10)
+                Accessible.name: failure.title + ", " + failure.text
 
-                    Rectangle {
-                        visible: failure.index > 0
-                        x: 14
-                        width: parent.width - x
-                        height: 1
-                        color: Brand.separator
+                Rectangle {
+                    visible: failure.index > 0
+                    x: 14
+                    width: parent.width - x
+                    height: 1
+                    color: Brand.separator
+                }
+                Column {
+                    id: failureTexts
+                    x: 14
+                    y: Brand.scaled(10)
+                    width: parent.width - 28
+                    BrandText {
+                        width: parent.width
+                        style: BrandText.BodyMedium
+                        text: failure.title
+                        elide: Text.ElideRight
+                        horizontalAlignment: Text.AlignLeft
+                        Accessible.ignored: true
                     }
-                    Column {
-                        id: failureTexts
-                        x: 14
-                        y: Brand.scaled(10)
-                        width: parent.width - 28
-                        BrandText {
-                            width: parent.width
-                            style: BrandText.BodyMedium
-                            text: failure.title
-                            elide: Text.ElideRight
-                            horizontalAlignment: Text.AlignLeft
-                            Accessible.ignored: true
-                        }
-                        BrandText {
-                            width: parent.width
-                            style: BrandText.Caption
-                            text: failure.text
-                            wrapMode: Text.Wrap
-                            horizontalAlignment: Text.AlignLeft
-                            Accessible.ignored: true
-                        }
+                    BrandText {
+                        width: parent.width
+                        style: BrandText.Caption
+                        text: failure.text
+                        wrapMode: Text.Wrap
+                        horizontalAlignment: Text.AlignLeft
+                        Accessible.ignored: true
                     }
                 }
             }
@@ -383,6 +355,7 @@ Sheet {
                 id: closeButton
                 objectName: "closeButton"
                 text: "Tutup"
+                about: [root.model.freedText, root.model.freeText, root.model.skippedText].filter(words => words !== "").join(", ")
                 onClicked: root.model.dismiss()
             }
         }

@@ -1,6 +1,7 @@
 #include "ui/ConfirmModel.h"
 
 #include "base/CheckedMath.h"
+#include "fs/PathTools.h"
 #include "ui/ScreenText.h"
 
 #include <algorithm>
@@ -16,14 +17,26 @@ namespace {
 
 using Items = std::vector<CleanupItem>;
 
+RowList::Row row(bool isHeader, std::string_view title, std::int64_t bytes, const QStringList& paths = {}) {
+    return {{"isHeader", isHeader},
+            {"title", screenText(title)},
+            {"text", sizeText(bytes)},
+            {"paths", paths.join("\n")},
+            {"showsPaths", paths.size() > 1}};
+}
+
+RowList::Row row(const CleanupItem& item) {
+    QStringList paths = {screenText(item.displayPath())};
+    for (const auto& path : item.relatedPaths.value_or(std::vector<std::string>()))
+        paths.append(screenText(PathTools::abbreviatingHome(path)));
+    return row(false, item.title, item.bytes, paths);
+}
+
 /// A group for each verb, sorted by it; inside, the items keep their order.
 QList<RowList::Row> groupedByVerb(const Items& items) {
     std::map<std::string_view, std::vector<const CleanupItem*>> groups;
     for (const auto& item : items)
         groups[item.action.verb()].push_back(&item);
-    const auto row = [](bool isHeader, std::string_view title, std::int64_t bytes) {
-        return RowList::Row{{"isHeader", isHeader}, {"title", screenText(title)}, {"text", sizeText(bytes)}};
-    };
     QList<RowList::Row> rows;
     for (const auto& [verb, group] : groups) {
         std::int64_t bytes = 0;
@@ -31,7 +44,7 @@ QList<RowList::Row> groupedByVerb(const Items& items) {
             bytes = addChecked(bytes, item->bytes);
         rows.append(row(true, verb, bytes));
         for (const auto* item : group)
-            rows.append(row(false, item->title, item->bytes));
+            rows.append(row(*item));
     }
     return rows;
 }

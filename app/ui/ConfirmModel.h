@@ -21,7 +21,8 @@ class ConfirmModel : public QObject {
     Q_PROPERTY(State state READ state NOTIFY stateChanged)
 
     Q_PROPERTY(QString headline READ headline NOTIFY itemsChanged)
-    Q_PROPERTY(korvanti::RowList* rows READ rows CONSTANT) ///< headers with their sum, items
+    Q_PROPERTY(korvanti::RowList* rows READ rows
+                   CONSTANT) ///< headers with their sum, items with all that goes with them
     Q_PROPERTY(QString confirmText READ confirmText NOTIFY itemsChanged)
     /// All that there is to warn of is known; nothing is cleaned before.
     Q_PROPERTY(bool isReady READ isReady NOTIFY warningsChanged)
@@ -75,7 +76,7 @@ private:
 
     AppModel& model_;
     QString headline_;
-    RowList rows_{{"isHeader", "title", "text"}};
+    RowList rows_{{"isHeader", "title", "text", "paths", "showsPaths"}};
     QString confirmText_;
     bool isReady_ = false;
     QStringList warnings_;

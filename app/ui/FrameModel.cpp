@@ -56,6 +56,13 @@ FrameModel::FrameModel(AppModel& model, Clock clock, QObject* parent)
         connect(&model, changed, this, &FrameModel::messagesChanged);
     connect(&model, &AppModel::isEndingChanged, this, &FrameModel::quittingChanged);
     connect(&model, &AppModel::workEnded, this, &FrameModel::quitRequested);
+    // There is nothing to ask about what has ended meanwhile.
+    for (const auto changed :
+         {&AppModel::isCleaningChanged, &AppModel::busyMessageChanged, &AppModel::isScanningChanged})
+        connect(&model, changed, this, [this] {
+            if (asksToQuit())
+                updateQuitText();
+        });
     connect(&model, &AppModel::reportChanged, this, [this] {
         updatePanes();
         emit reportChanged();
@@ -207,6 +214,14 @@ void FrameModel::cleanRecommended() {
 void FrameModel::quit() {
     if (model_.isEnding())
         return;
+    updateQuitText();
+    if (quitText_.isEmpty())
+        model_.endSoon();
+    else
+        emit windowRequested();
+}
+
+void FrameModel::updateQuitText() {
     QStringList underWay;
     if (model_.isCleaning())
         underWay.append(
@@ -218,10 +233,6 @@ void FrameModel::quit() {
         underWay.append("Pemindaian sedang berjalan dan hasilnya tidak disimpan.");
     quitText_ = underWay.join("\n");
     emit quittingChanged();
-    if (underWay.isEmpty())
-        model_.endSoon();
-    else
-        emit windowRequested();
 }
 
 void FrameModel::confirmQuit() {

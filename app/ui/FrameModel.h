@@ -121,6 +121,7 @@ signals:
 private:
     void updatePanes();
     void updateVolumes();
+    void updateQuitText();
     [[nodiscard]] std::int64_t recommendedBytes() const;
 
     AppModel& model_;

@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import Korvanti.Ui
 
 /// A symbol to click. Its hint says what it does.
-AbstractButton {
+Pressable {
     id: root
 
     required property string symbol
@@ -12,12 +12,7 @@ AbstractButton {
 
     implicitWidth: Brand.scaled(28)
     implicitHeight: Brand.scaled(28)
-    focusPolicy: Qt.StrongFocus
-    Accessible.role: Accessible.Button
     Accessible.name: root.hint
-    Accessible.onPressAction: root.clicked()
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
 
     contentItem: Item {
         Symbol {

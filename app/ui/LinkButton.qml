@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import Korvanti.Ui
 
 /// An action as a link.
-AbstractButton {
+Pressable {
     id: root
 
     property bool hero: false
@@ -12,12 +12,7 @@ AbstractButton {
 
     implicitWidth: Math.ceil(implicitContentWidth)
     implicitHeight: implicitContentHeight
-    focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Link
-    Accessible.name: root.text
-    Accessible.onPressAction: root.clicked()
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
     HoverHandler { cursorShape: root.enabled ? Qt.PointingHandCursor : Qt.ArrowCursor }
 
     contentItem: BrandText {

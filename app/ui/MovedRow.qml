@@ -97,7 +97,7 @@ FocusScope {
                          : words.y + Math.round((words.height - height) / 2)
         text: "Aksi"
         opensMenu: true
-        Accessible.description: root.title
+        about: root.title
         onClicked: root.menuRequested(actions)
     }
 }

@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import Korvanti.Ui
 
 /// One category: how much it holds beside the largest one.
-AbstractButton {
+Pressable {
     id: root
 
     required property string symbol
@@ -16,11 +16,7 @@ AbstractButton {
 
     implicitHeight: Math.max(30, label.implicitHeight + 11)
     focusPolicy: Qt.TabFocus
-    Accessible.role: Accessible.Button
     Accessible.name: root.title + ", " + root.sizeText
-    Accessible.onPressAction: root.clicked()
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
 
     background: Item {
         Rectangle {

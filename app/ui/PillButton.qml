@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import Korvanti.Ui
 
 /// The one filled button of its region.
-AbstractButton {
+Pressable {
     id: root
 
     enum Kind { Filled, Hero, Destructive }
@@ -23,12 +23,6 @@ AbstractButton {
     implicitHeight: Brand.scaled(root.size)
     leftPadding: Brand.scaled(18)
     rightPadding: Brand.scaled(18)
-    focusPolicy: Qt.StrongFocus
-    Accessible.role: Accessible.Button
-    Accessible.name: root.text
-    Accessible.onPressAction: root.clicked()
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
 
     contentItem: BrandText {
         text: root.text

@@ -4,7 +4,7 @@ import Korvanti.Ui
 
 /// A quiet button, with a symbol in front if it has one. While `busy` a spinner stands in place of its words. Where
 /// it is narrower than its words, they end in dots.
-AbstractButton {
+Pressable {
     id: root
 
     property string symbol: ""
@@ -17,13 +17,7 @@ AbstractButton {
     implicitHeight: Brand.scaled(root.size)
     leftPadding: Brand.scaled(12)
     rightPadding: Brand.scaled(12)
-    focusPolicy: Qt.StrongFocus
-    Accessible.role: Accessible.Button
-    Accessible.name: root.text
-    Accessible.description: root.hint
-    Accessible.onPressAction: root.clicked()
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
+    about: root.hint
 
     contentItem: Item {
         id: content

@@ -9,8 +9,9 @@ Sheet {
 
     shown: root.model.asksToQuit || root.model.isQuitting
     sheetWidth: 440
-    sheetHeight: 24 + 26 + 10 + words.implicitHeight + 24 + 72
+    sheetHeight: 24 + heading.height + 10 + words.height + 24 + footer.height
     title: heading.text
+    page: root.model.isQuitting ? 1 : 0
     defaultButton: leave
     onDismissed: root.model.stay()
 
@@ -35,6 +36,7 @@ Sheet {
         wrapMode: Text.Wrap
     }
     SheetFooter {
+        id: footer
         anchors.bottom: parent.bottom
         width: parent.width
         visible: !root.model.isQuitting

@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import Korvanti.Ui
 
 /// The sum of one class of safety, in its colours. What comes back by itself has the uneven corner.
-AbstractButton {
+Pressable {
     id: root
 
     required property int safety
@@ -19,12 +19,8 @@ AbstractButton {
     implicitHeight: tile.implicitHeight
     focusPolicy: Qt.TabFocus
     Behavior on shade { ColorAnimation { duration: Brand.hoverDuration; easing.type: Easing.OutQuad } }
-    Accessible.role: Accessible.Button
+    about: root.caption
     Accessible.name: root.title + ", " + root.value
-    Accessible.description: root.caption
-    Accessible.onPressAction: root.clicked()
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
 
     contentItem: StatTile {
         id: tile

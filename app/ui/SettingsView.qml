@@ -150,7 +150,7 @@ ScrollPane {
                 x: parent.width - width - root.inset
                 anchors.verticalCenter: parent.verticalCenter
                 label: loginText.text
-                isOn: root.model.isLoginItem
+                marked: root.model.isLoginItem
                 onClicked: root.model.setLoginItem(!root.model.isLoginItem)
             }
             Line { anchors.bottom: parent.bottom }

@@ -5,35 +5,41 @@ import QtQuick.Templates as T
 import Korvanti.Ui
 
 /// A sheet over the window, which has to be answered first. It is there while `shown` says so; Escape only
-/// asks.
+/// asks. Each page begins afresh: with the focus on the sheet, and for a moment deaf, so that nobody answers by
+/// the second half of a double click what they have not read.
 Popup {
     id: root
 
     property bool shown: false
     property real sheetWidth: 620
-    property real sheetHeight: 520
+    property real sheetHeight: Brand.scaled(520)
     property string title: ""                ///< for those who can't see it
-    property AbstractButton defaultButton: null ///< what Return presses
+    property int page: 0                        ///< which of its pages is seen
+    property AbstractButton defaultButton: null ///< what Return presses on this page
+    property Item firstFocus: null              ///< what has the focus once it is settled; or else the sheet itself
+    readonly property bool settled: !reading.running
     property real rise: 0
     signal dismissed()
 
+    function begin(): void {
+        reading.restart();
+        root.contentItem.focus = true;
+    }
     /// Not by a key that is still held down from what opened the sheet.
     function pressDefault(event: KeyEvent): void {
-        if (!event.isAutoRepeat && root.defaultButton !== null && root.defaultButton.enabled && root.defaultButton.visible)
-            root.defaultButton.clicked();
+        const button = root.defaultButton;
+        if (root.settled && !event.isAutoRepeat && button !== null && button.enabled && button.visible)
+            button.clicked();
     }
 
-    /// What was clicked last may be gone from the sheet, and the focus with it.
-    onDefaultButtonChanged: {
-        if (root.opened)
-            (root.defaultButton === null ? root.contentItem : root.defaultButton).forceActiveFocus(Qt.OtherFocusReason);
-    }
+    onAboutToShow: root.begin()
+    onPageChanged: root.begin()
 
     parent: T.Overlay.overlay
     x: Math.round(((parent?.width ?? 0) - width) / 2)
     y: Math.round(((parent?.height ?? 0) - height) / 2 - 12 + root.rise)
     width: Math.min(Brand.scaled(root.sheetWidth), (parent?.width ?? 0) - 48)
-    height: Math.min(Brand.scaled(root.sheetHeight), (parent?.height ?? 0) - 48)
+    height: Math.min(root.sheetHeight, (parent?.height ?? 0) - 48)
     visible: root.shown
     modal: true
     focus: true
@@ -54,13 +60,33 @@ Popup {
             border.color: Brand.cardBorder
         }
     }
-    contentItem: FocusScope {
+    contentItem: Item { // no scope, which would remember what had the focus in it
         focus: true
         Accessible.role: Accessible.Dialog
         Accessible.name: root.title
-        Keys.onEscapePressed: root.dismissed()
+        Keys.onEscapePressed: event => {
+            if (!event.isAutoRepeat)
+                root.dismissed();
+        }
         Keys.onReturnPressed: event => root.pressDefault(event)
         Keys.onEnterPressed: event => root.pressDefault(event)
+        Keys.onPressed: event => event.accepted = !root.settled
+
+        MouseArea {
+            objectName: "sheetGuard"
+            z: 1
+            anchors.fill: parent
+            visible: !root.settled
+        }
+    }
+
+    Timer {
+        id: reading
+        interval: 500
+        onTriggered: {
+            if (root.contentItem.activeFocus)
+                root.firstFocus?.forceActiveFocus(Qt.OtherFocusReason);
+        }
     }
     enter: Transition {
         NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Brand.sheetDuration; easing.type: Easing.OutCubic }

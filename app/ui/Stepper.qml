@@ -33,20 +33,15 @@ Item {
             event.accepted = false;
     }
 
-    component Half: AbstractButton {
+    component Half: Pressable {
         id: half
 
         required property string symbol
-        required property string about
 
         width: parent.width / 2
         height: parent.height
         focusPolicy: Qt.NoFocus
         autoRepeat: true
-        Accessible.role: Accessible.Button
-        Accessible.name: half.text
-        Accessible.description: half.about
-        Accessible.onPressAction: half.clicked()
         background: Rectangle {
             anchors { fill: parent; margins: 1 }
             radius: Brand.scaled(6)

@@ -34,6 +34,8 @@ public:
     [[nodiscard]] QString displayFamily() const { return displayFamily_; } ///< from 20 px up
     [[nodiscard]] QString monoFamily() const { return monoFamily_; }
 
+    void setReducedMotion(bool reduced);
+
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 signals:
@@ -43,7 +45,6 @@ signals:
 
 private:
     void setDark(bool dark);
-    void setReducedMotion(bool reduced);
     void setFontScale(double scale);
 
     bool dark_;

@@ -79,7 +79,7 @@ Item {
                 objectName: "copyButton"
                 anchors { left: ground.right; leftMargin: 12; verticalCenter: ground.verticalCenter }
                 text: "Salin"
-                Accessible.description: root.command
+                about: root.command
                 onClicked: root.copyRequested()
             }
         }

@@ -46,16 +46,16 @@ protected:
     QQuickItem* in(const QString& row, const QString& name) { return item(row).findChild<QQuickItem*>(name); }
     void openSheet(const std::string& name) {
         click(removeOf(name));
-        settle(250);
+        readSheet();
         ASSERT_NE(find("uninstallButton"), nullptr);
     }
     void waitForTheQuestion() {
         ASSERT_TRUE(waitFor([&] { return confirm().isReady() && find("confirmButton") != nullptr; }));
-        settle(250);
+        readSheet();
     }
     void waitForTheResult() {
         ASSERT_TRUE(waitFor([&] { return find("closeButton") != nullptr; }));
-        settle(250);
+        readSheet();
     }
     bool focusIsOn(const QString& name) { return item(name).hasActiveFocus(); }
     QString nameOf(const QString& name) {
@@ -385,6 +385,30 @@ TEST_F(AppsViewTests, withLargeTypeEverythingInTheSheetCanBeReached) {
     EXPECT_LE(place("choiceCheck1").bottom(), place("uninstallButton").top());
 }
 
+TEST_F(AppsViewTests, aDoubleClickStopsAtTheQuestion) {
+    installSome();
+    open();
+    openSheet("Old");
+    doubleClick("uninstallButton");
+    settle(300);
+    EXPECT_TRUE(model().pendingCleanup().has_value());
+    EXPECT_FALSE(model().isCleaning());
+    EXPECT_TRUE(model().outcomes().empty());
+    EXPECT_TRUE(std::filesystem::exists("/Applications/Old.app"));
+}
+
+TEST_F(AppsViewTests, aKeyThatIsHeldDownStopsAtTheQuestion) {
+    installSome();
+    open();
+    openSheet("Old");
+    item("uninstallButton").forceActiveFocus(Qt::TabFocusReason);
+    holdKey(Qt::Key_Return, 1'300);
+    EXPECT_TRUE(model().pendingCleanup().has_value());
+    EXPECT_FALSE(model().isCleaning());
+    EXPECT_TRUE(model().outcomes().empty());
+    EXPECT_TRUE(std::filesystem::exists("/Applications/Old.app"));
+}
+
 // Whole ways
 
 TEST_F(AppsViewTests, anApplicationGoesWithTheDataThatWereChosen) {
@@ -484,7 +508,7 @@ TEST_F(AppsViewTests, aBundleWhoseNameIsNoTextIsRemovedByItsVeryBytes) {
     const auto shown = "remove:/Applications/odd\uFFFD\uFFFD.app";
     ASSERT_NE(find(shown), nullptr);
     click(shown);
-    settle(250);
+    readSheet();
     click("uninstallButton");
     waitForTheQuestion();
     click("confirmButton");
@@ -534,7 +558,7 @@ TEST_F(AppsViewTests, allOfItGoesByKeysAlone) {
     press(Qt::Key_Down);
     ASSERT_TRUE(focusIsOn(oldRow));
     press(Qt::Key_Return);
-    settle(250);
+    readSheet();
     ASSERT_NE(find("uninstallButton"), nullptr);
     press(Qt::Key_Tab);
     ASSERT_TRUE(focusIsOn("choiceCheck0"));

@@ -87,7 +87,11 @@ protected:
     [[nodiscard]] bool waitUntil(const std::function<bool()>& isTrue) { return waitFor(isTrue); }
     void waitForTheSheet() {
         ASSERT_TRUE(waitFor([&] { return confirm().isReady() && find("confirmButton") != nullptr; }));
-        settle(250);
+        readSheet();
+    }
+    void waitForTheResult() {
+        ASSERT_TRUE(waitFor([&] { return find("closeButton") != nullptr; }));
+        readSheet();
     }
     bool focusIsOn(const QString& name) { return item(name).hasActiveFocus(); }
 };
@@ -351,13 +355,157 @@ TEST_F(CleanupViewTests, theSheetOpenedFromOneRowListsThatItem) {
 }
 
 TEST_F(CleanupViewTests, aKeyThatIsHeldDownConfirmsNothing) {
-    open({thing("a")});
-    item("cleanButton").forceActiveFocus(Qt::TabFocusReason);
-    press(Qt::Key_Return);
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+        open({thing("a")});
+        item("cleanButton").forceActiveFocus(Qt::TabFocusReason);
+        holdKey(key, 1'300);
+        waitForTheSheet();
+        holdKey(Qt::Key_Shift);
+        EXPECT_TRUE(model().pendingCleanup().has_value()) << key;
+        EXPECT_FALSE(model().isCleaning()) << key;
+        EXPECT_TRUE(model().outcomes().empty()) << key;
+        press(Qt::Key_Escape);
+        settle(250);
+    }
+}
+
+TEST_F(CleanupViewTests, theSecondHalfOfADoubleClickAnswersNothing) {
+    open({thing("a"), thing("b")});
+    for (const bool reducedMotion : {false, true}) {
+        theme().setReducedMotion(reducedMotion);
+        model().requestCleanup(model().selectedItems());
+        settle(100);
+        click("confirmButton");
+        click("cancelButton");
+        press(Qt::Key_Return);
+        press(Qt::Key_Tab);
+        press(Qt::Key_Space);
+        waitForTheSheet();
+        EXPECT_TRUE(model().pendingCleanup().has_value());
+        EXPECT_FALSE(model().isCleaning());
+        EXPECT_TRUE(model().outcomes().empty());
+        press(Qt::Key_Escape);
+        settle(250);
+        EXPECT_FALSE(model().pendingCleanup().has_value());
+    }
+    click("cleanButton");
     waitForTheSheet();
-    QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, "\r", true);
-    QCoreApplication::sendEvent(&window(), &held);
-    EXPECT_FALSE(model().isCleaning());
+    click("confirmButton");
+    ASSERT_TRUE(waitUntil([&] { return find("closeButton") != nullptr; }));
+    settle();
+    click("closeButton");
+    click("rescanButton");
+    press(Qt::Key_Return);
+    waitForTheResult();
+    EXPECT_TRUE(model().pendingCleanup().has_value()) << "the result has to be read";
+    EXPECT_FALSE(model().isScanning());
+    click("closeButton");
+    EXPECT_FALSE(model().pendingCleanup().has_value());
+}
+
+TEST_F(CleanupViewTests, whileTheWarningsAreMadeReadyNothingIsConfirmed) {
+    mac.answerWithScript("pgrep -x Xcode", "sleep 1.5");
+    open({thing("a")});
+    model().requestCleanup(model().selectedItems());
+    settle(700);
+    ASSERT_FALSE(confirm().isReady());
+    press(Qt::Key_Return);
+    ASSERT_TRUE(waitUntil([&] { return confirm().isReady(); }));
+    press(Qt::Key_Return);
+    click("confirmButton");
+    EXPECT_TRUE(texts().join(' ').contains("Xcode sedang terbuka."));
+    EXPECT_FALSE(model().isCleaning()) << "its warning has just come";
+    readSheet();
+    press(Qt::Key_Return);
+    EXPECT_TRUE(model().isCleaning());
+    ASSERT_TRUE(waitUntil([&] { return !model().isCleaning(); }));
+}
+
+TEST_F(CleanupViewTests, everyOpeningOfTheSheetBeginsAfresh) {
+    mac.home.file("things/a/file", {.text = "x"});
+    mac.home.file("things/b/file", {.text = "x"});
+    const auto a = thing("a");
+    const auto b = thing("b");
+    open({a, b});
+    item("cleanButton").forceActiveFocus(Qt::TabFocusReason);
+
+    model().requestCleanup({a});
+    waitForTheSheet();
+    while (!focusIsOn("cancelButton"))
+        press(Qt::Key_Tab);
+    press(Qt::Key_Escape);
+    settle(250);
+    model().requestCleanup({a});
+    waitForTheSheet();
+    EXPECT_FALSE(focusIsOn("cancelButton"));
+    press(Qt::Key_Return);
+    waitForTheResult();
+    EXPECT_FALSE(std::filesystem::exists(a.path)) << "Return cleans";
+    EXPECT_TRUE(focusIsOn("closeButton"));
+    press(Qt::Key_Return);
+    settle(250);
+    EXPECT_FALSE(model().pendingCleanup().has_value());
+
+    model().requestCleanup({b});
+    waitForTheSheet();
+    press(Qt::Key_Return);
+    waitForTheResult();
+    EXPECT_FALSE(std::filesystem::exists(b.path)) << "Return cleans again";
+    press(Qt::Key_Return);
+    EXPECT_FALSE(model().pendingCleanup().has_value());
+}
+
+TEST_F(CleanupViewTests, allThatGoesWithAnItemStandsInTheQuestion) {
+    auto app = thing("App", Safety::review, CleanupAction::trash());
+    app.relatedPaths = {{"/Users/tester/Library/Caches/org.example", "/Users/tester/two\nlines"}};
+    const auto plain = thing("Dependency");
+    open({app, plain});
+    model().requestCleanup({app, plain});
+    waitForTheSheet();
+    EXPECT_TRUE(
+        texts(&item("confirmList")).contains("~/things/App\n~/Library/Caches/org.example\n~/two\uFFFDlines"))
+        << texts(&item("confirmList")).join(" | ").toStdString();
+    hover("entry1");
+    ASSERT_TRUE(waitUntil([&] { return texts().contains("~/things/Dependency"); }));
+}
+
+TEST_F(CleanupViewTests, theItemsOfTheSheetAreReadByKeys) {
+    std::vector<CleanupItem> items;
+    for (int number = 0; number < 60; ++number)
+        items.push_back(thing("row " + std::to_string(number)));
+    open(items);
+    model().requestCleanup(items);
+    waitForTheSheet();
+    const auto focused = [&] {
+        auto* const face = QAccessible::queryAccessibleInterface(window().activeFocusItem());
+        return face ? face->text(QAccessible::Name) + "|" + face->text(QAccessible::Description) : QString();
+    };
+    press(Qt::Key_Tab);
+    const auto size = QString::fromStdString(bytesText(1'000'000));
+    press(Qt::Key_Down);
+    EXPECT_EQ(focused(), "row 0, " + size + "|~/things/row 0");
+    const auto frame = place("confirmList");
+    EXPECT_EQ(grab().pixelColor(QPointF(frame.center().x(), frame.top() - 3).toPoint()),
+              QColor(0x00, 0x64, 0xAF))
+        << "the ring";
+    press(Qt::Key_End);
+    EXPECT_EQ(focused(), "row 59, " + size + "|~/things/row 59");
+    press(Qt::Key_PageUp);
+    EXPECT_NE(focused(), "row 59, " + size + "|~/things/row 59");
+    press(Qt::Key_Home);
+    EXPECT_EQ(focused(), "Hapus permanen, " + QString::fromStdString(bytesText(60'000'000)) + "|");
+}
+
+TEST_F(CleanupViewTests, whatCameOfItIsHeardWithTheButtonThatClosesIt) {
+    mac.home.file("things/a/file", {.text = "x"});
+    open({thing("a")});
+    click("cleanButton");
+    waitForTheSheet();
+    click("confirmButton");
+    waitForTheResult();
+    EXPECT_TRUE(focusIsOn("closeButton"));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&item("closeButton"))->text(QAccessible::Description),
+              confirm().freedText() + ", " + confirm().freeText());
 }
 
 TEST_F(CleanupViewTests, theSheetCannotBeLeftWhileItCleans) {
@@ -450,8 +598,7 @@ TEST_F(CleanupJourneyTests, byTheMouse) {
     click("cleanButton");
     waitForTheSheet();
     click("confirmButton");
-    ASSERT_TRUE(waitUntil([&] { return find("closeButton") != nullptr; }));
-    settle();
+    waitForTheResult();
     EXPECT_FALSE(isThere(derivedData));
     EXPECT_FALSE(isThere(archives));
     EXPECT_TRUE(isThere(caches));
@@ -509,11 +656,12 @@ TEST_F(CleanupJourneyTests, byKeysAlone) {
     waitForTheSheet();
     press(Qt::Key_Return);
     EXPECT_TRUE(model().isCleaning());
-    ASSERT_TRUE(waitUntil([&] { return find("closeButton") != nullptr; }));
-    settle();
+    waitForTheResult();
     EXPECT_FALSE(isThere(derivedData));
+    EXPECT_TRUE(focusIsOn("closeButton"));
     press(Qt::Key_Return);
     settle(250);
+    EXPECT_TRUE(focusIsOn("itemList")) << "nothing is chosen, so that nothing can be cleaned";
     EXPECT_FALSE(model().pendingCleanup().has_value());
     EXPECT_FALSE(model().isScanning());
     EXPECT_EQ(find("row:" + derivedData), nullptr);
@@ -535,7 +683,7 @@ TEST_F(CleanupJourneyTests, aPathThatIsNoTextIsCleanedByItsVeryBytes) {
     click("cleanOneEntry");
     waitForTheSheet();
     click("confirmButton");
-    ASSERT_TRUE(waitUntil([&] { return find("closeButton") != nullptr; }));
+    waitForTheResult();
     EXPECT_FALSE(std::filesystem::exists(mac.home.path(odd + "/node_modules")));
     EXPECT_EQ(textOf(mac.home.path(alike + "/node_modules/x/file")), "precious");
 }

@@ -32,6 +32,11 @@ protected:
             ->text(QAccessible::Name)
             .toStdString();
     }
+    [[nodiscard]] std::string descriptionOf(const QString& objectName) {
+        return QAccessible::queryAccessibleInterface(&item(objectName))
+            ->text(QAccessible::Description)
+            .toStdString();
+    }
     [[nodiscard]] QColor brand(const QString& name) {
         QQmlComponent component(&engine());
         component.setData(
@@ -259,6 +264,62 @@ TEST_F(ComponentTests, everyControlAnswersToTheKeyboard) {
         ASSERT_TRUE(told) << qml;
         EXPECT_EQ(told->text(QAccessible::Name), "Go") << qml;
         EXPECT_NE(told->role(), QAccessible::NoRole) << qml;
+    }
+}
+
+constexpr const char* controls[] = {
+    "PillButton { text: \"Go\"",
+    "PlainButton { text: \"Go\"",
+    "LinkButton { text: \"Go\"",
+    "IconButton { symbol: \"xmark\"; hint: \"Go\"",
+    "CheckMark { marked: false; label: \"Go\"",
+    "Toggle { marked: false; label: \"Go\"",
+    "SafetyTile { safety: 0; title: \"Go\"; value: \"1\"; caption: \"\"",
+    "OverviewCategoryRow { width: 300; symbol: \"xmark\"; title: \"Go\"; sizeText: \"1\"; share: 1"};
+
+TEST_F(ComponentTests, aKeyThatIsHeldDownPressesOnce) {
+    for (const auto* qml : controls) {
+        for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+            showControl(QString(qml) +
+                        "; objectName: \"control\"; x: 50; y: 50; onClicked: parent.count++ }");
+            press(Qt::Key_Tab);
+            ASSERT_TRUE(item("control").hasActiveFocus()) << qml;
+            holdKey(key);
+            EXPECT_EQ(count(), 1) << qml << key;
+        }
+    }
+}
+
+TEST_F(ComponentTests, whatCannotBeUsedSaysSoAndIsPressedByNobody) {
+    for (const auto* qml : controls) {
+        showControl(QString(qml) + "; objectName: \"control\"; x: 50; y: 50; onClicked: parent.count++ }");
+        EXPECT_EQ(descriptionOf("control"), "") << qml;
+        item("control").setEnabled(false);
+        EXPECT_EQ(descriptionOf("control"), "tidak tersedia") << qml;
+        item("control").forceActiveFocus(Qt::TabFocusReason);
+        press(Qt::Key_Return);
+        QAccessible::queryAccessibleInterface(&item("control"))
+            ->actionInterface()
+            ->doAction(QAccessibleActionInterface::pressAction());
+        EXPECT_EQ(count(), 0) << qml;
+    }
+}
+
+TEST_F(ComponentTests, whatAButtonHasToSayIsSaidBesideThatItCannotBeUsed) {
+    showControl("PlainButton { objectName: \"control\"; text: \"Go\"; hint: \"Sekarang\"; enabled: false }");
+    EXPECT_EQ(descriptionOf("control"), "Sekarang, tidak tersedia");
+    item("control").setEnabled(true);
+    EXPECT_EQ(descriptionOf("control"), "Sekarang");
+}
+
+TEST_F(ComponentTests, withLessMotionTheKnobJumps) {
+    for (const bool reduced : {false, true}) {
+        theme().setReducedMotion(reduced);
+        showControl("Toggle { objectName: \"toggle\"; x: 50; y: 50; marked: root.count > 0; label: \"Go\" }");
+        item("root").setProperty("count", 1);
+        EXPECT_EQ(place("knob").right() > place("toggle").right() - 3, reduced);
+        settle(200);
+        EXPECT_GT(place("knob").right(), place("toggle").right() - 3);
     }
 }
 
@@ -509,7 +570,7 @@ TEST_F(ComponentTests, aSheetIsAnsweredFirst) {
     showControl(R"(PillButton { objectName: "behind"; text: "x"; onClicked: parent.told += "behind" }
         Sheet { shown: root.count === 0; sheetWidth: 200; sheetHeight: 120; defaultButton: go; onDismissed: root.told += "escape "
           PillButton { id: go; objectName: "go"; text: "Go"; onClicked: root.told += "go " } })");
-    settle(400);
+    readSheet();
     EXPECT_TRUE(find("go"));
     click("behind");
     EXPECT_EQ(told(), "");

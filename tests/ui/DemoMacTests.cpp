@@ -87,6 +87,7 @@ TEST_F(DemoMacTests, isScannedCleanedMovedToTheSsdAndBack) {
     EXPECT_THAT(simulators(), HasSubstr("iPhone 14\""));
     click("cleanRecommendedButton");
     ASSERT_TRUE(waitFor([&] { return find("confirmButton") && item("confirmButton").isEnabled(); }));
+    readSheet();
     EXPECT_TRUE(texts().join(' ').contains("Gradle daemon sedang berjalan"));
     settle(300);
     click("confirmButton");

@@ -7,8 +7,10 @@
 
 #include <QAccessible>
 #include <QColor>
+#include <QDeadlineTimer>
 #include <QFont>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QPalette>
 #include <QTest>
 #include <QTimer>
@@ -237,6 +239,14 @@ void UiTests::click(const QString& objectName) {
     QCoreApplication::processEvents();
 }
 
+void UiTests::doubleClick(const QString& objectName) {
+    const auto place = middle(objectName);
+    for (int click = 0; click < 2; ++click) {
+        QTest::mouseClick(&shown(), Qt::LeftButton, Qt::NoModifier, place);
+        QTest::qWait(120);
+    }
+}
+
 void UiTests::hover(const QString& objectName) {
     QTest::mouseMove(&shown(), QPoint(0, 0)); // where the pointer is already, nothing would happen
     QTest::mouseMove(&shown(), middle(objectName));
@@ -257,6 +267,20 @@ void UiTests::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QCoreApplication::processEvents();
 }
 
+void UiTests::holdKey(Qt::Key key, int milliseconds) {
+    const auto send = [&](QEvent::Type type, bool repeats) {
+        QKeyEvent event(type, key, Qt::NoModifier, QString(), repeats);
+        QCoreApplication::sendEvent(&shown(), &event);
+        QTest::qWait(20);
+    };
+    send(QEvent::KeyPress, false);
+    for (const QDeadlineTimer end(milliseconds); !end.hasExpired();) { // as X11 and macOS tell it
+        send(QEvent::KeyRelease, true);
+        send(QEvent::KeyPress, true);
+    }
+    send(QEvent::KeyRelease, false);
+}
+
 void UiTests::type(const QString& text) {
     for (const auto character : text)
         QTest::keyClick(&shown(), character.toLatin1());
@@ -265,6 +289,11 @@ void UiTests::type(const QString& text) {
 
 void UiTests::settle(int milliseconds) {
     QTest::qWait(milliseconds);
+}
+
+void UiTests::readSheet() {
+    ASSERT_TRUE(waitFor([&] { return !find("sheetGuard"); }));
+    settle();
 }
 
 void UiTests::resize(int width, int height) {

@@ -75,14 +75,18 @@ protected:
     [[nodiscard]] QStringList unspokenTexts();
 
     void click(const QString& objectName);
+    void doubleClick(const QString& objectName);
     void hover(const QString& objectName);
     /// Holds the button down on it until `release`.
     void hold(const QString& objectName);
     void release(const QString& objectName);
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    void holdKey(Qt::Key key, int milliseconds = 200);
     void type(const QString& text);
     /// Lets what has been set in motion come to its end.
     void settle(int milliseconds = 50);
+    /// Until the sheet that is shown takes an answer.
+    void readSheet();
 
     void resize(int width, int height);
     void setDark(bool dark);

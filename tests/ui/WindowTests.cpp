@@ -295,7 +295,7 @@ TEST_F(WindowTests, quittingDuringWorkAsksInTheWindow) {
     model().requestCleanup(model().selectedItems());
     model().confirmCleanup();
     frame().quit();
-    settle(300);
+    readSheet();
     EXPECT_TRUE(texts().contains("Keluar dari Korvanti?"));
     grab("quit.png");
     click("stayButton");
@@ -308,12 +308,44 @@ TEST_F(WindowTests, quittingDuringWorkAsksInTheWindow) {
     EXPECT_FALSE(frame().asksToQuit());
     settle(300);
     frame().quit();
-    settle(300);
+    readSheet();
     click("quitButton");
     settle(300);
     EXPECT_TRUE(model().isEnding());
     EXPECT_TRUE(texts().contains("Menyelesaikan pekerjaan terakhir…"));
     EXPECT_FALSE(find("quitButton"));
+    released.count_down();
+    ASSERT_TRUE(waitFor([&] { return !model().isCleaning(); }));
+}
+
+TEST_F(WindowTests, theQuestionGoesWithTheWorkThatItIsAbout) {
+    open();
+    std::latch released{1};
+    const BeforeCall gate(Call::unlinkAt, "one", [&] { released.wait(); });
+    model().requestCleanup(model().selectedItems());
+    model().confirmCleanup();
+    frame().quit();
+    readSheet();
+    ASSERT_TRUE(find("quitButton"));
+    released.count_down();
+    ASSERT_TRUE(waitFor([&] { return !model().isCleaning(); }));
+    settle(300);
+    EXPECT_FALSE(frame().asksToQuit());
+    EXPECT_FALSE(find("quitButton"));
+    EXPECT_FALSE(model().isEnding());
+}
+
+TEST_F(WindowTests, theQuestionIsAsHighAsItsWords) {
+    setFontScale(2);
+    open();
+    std::latch released{1};
+    const BeforeCall gate(Call::unlinkAt, "one", [&] { released.wait(); });
+    model().requestCleanup(model().selectedItems());
+    model().confirmCleanup();
+    frame().quit();
+    readSheet();
+    grab("quit-large.png");
+    EXPECT_NEAR(place("quitButton").top() - place("quitText").bottom(), 24 + 20, 8);
     released.count_down();
     ASSERT_TRUE(waitFor([&] { return !model().isCleaning(); }));
 }
