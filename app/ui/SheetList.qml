@@ -7,20 +7,21 @@ Rectangle {
 
     required property real room
     required property string label ///< for those who can't see what the list is about
-    property alias model: rows.model
-    property alias delegate: rows.delegate
-    property alias bottomGap: rows.rows.bottomMargin
+    property alias model: list.model
+    property alias delegate: list.delegate
+    property real bottomGap: 0
 
-    height: Math.min(rows.rows.contentHeight + root.bottomGap + 2, root.room)
+    height: Math.min(list.rows.contentHeight + root.bottomGap + 2, root.room)
     radius: 10
     color: Brand.innerList
     border.width: 1
     border.color: Brand.cardBorder
 
     RowsView {
-        id: rows
+        id: list
         anchors { fill: parent; margins: 1 }
         label: root.label
+        rows.bottomMargin: root.bottomGap
     }
-    FocusRing { around: root.radius; visible: rows.showsFocus }
+    FocusRing { around: root.radius; visible: list.showsFocus }
 }
