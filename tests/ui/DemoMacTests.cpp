@@ -99,6 +99,7 @@ TEST_F(DemoMacTests, isScannedCleanedMovedToTheSsdAndBack) {
     EXPECT_FALSE(Toolchain::isRunning("GradleDaemon"));
     EXPECT_NEAR(static_cast<double>(model().freeBytes()), static_cast<double>(free + recommended), 0.5e9);
     settle(300);
+    readSheet();
     press(Qt::Key_Return); // closes the result
     settle(300);
     EXPECT_FALSE(model().pendingCleanup().has_value());
