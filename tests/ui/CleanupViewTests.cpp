@@ -417,8 +417,7 @@ TEST_F(CleanupViewTests, whileTheWarningsAreMadeReadyNothingIsConfirmed) {
     EXPECT_FALSE(model().isCleaning()) << "its warning has just come";
     readSheet();
     press(Qt::Key_Return);
-    EXPECT_TRUE(model().isCleaning());
-    ASSERT_TRUE(waitUntil([&] { return !model().isCleaning(); }));
+    ASSERT_TRUE(waitUntil([&] { return !model().isCleaning() && !model().outcomes().empty(); }));
 }
 
 TEST_F(CleanupViewTests, everyOpeningOfTheSheetBeginsAfresh) {
@@ -655,7 +654,6 @@ TEST_F(CleanupJourneyTests, byKeysAlone) {
     press(Qt::Key_Return);
     waitForTheSheet();
     press(Qt::Key_Return);
-    EXPECT_TRUE(model().isCleaning());
     waitForTheResult();
     EXPECT_FALSE(isThere(derivedData));
     EXPECT_TRUE(focusIsOn("closeButton"));

@@ -72,6 +72,15 @@ std::vector<pid_t> ownProcesses() {
     return processes;
 }
 
+/// Under the same path a container may have another thing.
+bool isTheSameTo(pid_t process, const std::string& path) {
+    struct stat here {};
+    struct stat there {};
+    return ::stat(path.c_str(), &here) == 0 &&
+           ::stat(("/proc/" + std::to_string(process) + "/root" + path).c_str(), &there) == 0 &&
+           here.st_dev == there.st_dev && here.st_ino == there.st_ino;
+}
+
 /// A process of the user whose program lies inside of a bundle. It is held: by its number alone it might be
 /// taken for another one that has come after it.
 FileDescriptor processInside(const std::string& bundle) {
@@ -81,7 +90,7 @@ FileDescriptor processInside(const std::string& bundle) {
     for (const auto process : ownProcesses()) {
         FileDescriptor held(::pidfd_open(process, 0));
         const auto program = PathTools::linkTarget("/proc/" + std::to_string(process) + "/exe");
-        if (held && program && program->starts_with(*place + "/"))
+        if (held && program && program->starts_with(*place + "/") && isTheSameTo(process, *place))
             return held;
     }
     return {};
