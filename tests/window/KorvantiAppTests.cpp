@@ -189,6 +189,7 @@ TEST_F(KorvantiAppTests, withoutAnItemClosingDuringAScanAsksFirst) {
     EXPECT_TRUE(app().window()->isVisible());
     EXPECT_EQ(finished.count(), 0);
     adopt(*app().window());
+    readSheet();
     click("quitButton");
     EXPECT_TRUE(waitFor([&] { return finished.count() == 1; }));
     letScanEnd();
@@ -202,7 +203,10 @@ TEST_F(KorvantiAppTests, theSystemsWishToQuitIsAskedAboutToo) {
     EXPECT_EQ(finished.count(), 0);
     adopt(*app().window());
     EXPECT_TRUE(find("quitButton"));
+    readSheet();
     click("stayButton");
+    settle();
+    EXPECT_FALSE(app().frame().asksToQuit());
     letScanEnd();
     askToQuit();
     EXPECT_TRUE(waitFor([&] { return finished.count() == 1; }));
