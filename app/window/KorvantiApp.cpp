@@ -9,6 +9,7 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QPalette>
 #include <QQmlComponent>
 #include <QScreen>
@@ -152,7 +153,24 @@ void KorvantiApp::updateItem() {
     item_->show(iconFile(panes_.frame.labelSymbol()), panes_.frame.labelText().toStdString());
 }
 
+bool KorvantiApp::isUnmarkedRepeat(const QEvent& event) {
+    if (event.type() != QEvent::KeyPress && event.type() != QEvent::KeyRelease)
+        return false;
+    const auto& key = static_cast<const QKeyEvent&>(event);
+    const std::pair now(key.key(), key.timestamp());
+    if (event.type() == QEvent::KeyRelease)
+        released_ = now;
+    return event.type() == QEvent::KeyPress && !key.isAutoRepeat() && key.timestamp() > 0 && now == released_;
+}
+
 bool KorvantiApp::eventFilter(QObject* watched, QEvent* event) {
+    if (watched->isWindowType() && isUnmarkedRepeat(*event)) {
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        QKeyEvent repeat(key.type(), key.key(), key.modifiers(), key.text(), true);
+        repeat.setTimestamp(key.timestamp());
+        QCoreApplication::sendEvent(watched, &repeat);
+        return true;
+    }
     // The window is the program's only way back where there is no item in the menu bar.
     const bool isLastClosing =
         event->type() == QEvent::Close && window_ && watched == window_.get() && !item_->isThere();

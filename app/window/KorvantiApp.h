@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace korvanti {
 
@@ -57,6 +58,9 @@ private:
     void togglePanel();
     void updateItem();
     [[nodiscard]] bool isHidden() const; ///< no window of the program can be seen
+    /// On X11 a key that is held down is let go and pressed again all the time, within one moment. Qt marks
+    /// these as repeats only if it reads both at once.
+    [[nodiscard]] bool isUnmarkedRepeat(const QEvent& event);
 
     AppModel model_;
     WindowModels panes_{model_};
@@ -66,7 +70,8 @@ private:
     std::unique_ptr<QQuickWindow> panel_;
     std::unique_ptr<QQuickWindow> settingsWindow_; ///< made when it is first asked for
     std::unique_ptr<MenuBarItem> item_;
-    QElapsedTimer panelLeft_; ///< since when the panel is hidden
+    QElapsedTimer panelLeft_;            ///< since when the panel is hidden
+    std::pair<int, quint64> released_{}; ///< the last key, and when
 };
 
 } // namespace korvanti

@@ -7,12 +7,14 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QImage>
+#include <QKeyEvent>
 #include <QSignalSpy>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace korvanti {
 namespace {
@@ -210,6 +212,33 @@ TEST_F(KorvantiAppTests, theSystemsWishToQuitIsAskedAboutToo) {
     letScanEnd();
     askToQuit();
     EXPECT_TRUE(waitFor([&] { return finished.count() == 1; }));
+}
+
+TEST_F(KorvantiAppTests, aKeyThatIsLetGoAndPressedWithinOneMomentIsHeldDown) {
+    struct Watch : QObject {
+        std::vector<bool> repeats;
+        bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+            if (event->type() == QEvent::KeyPress)
+                repeats.push_back(static_cast<QKeyEvent*>(event)->isAutoRepeat());
+            return false;
+        }
+    } watch;
+    auto* const window = app().window();
+    window->installEventFilter(&watch);
+    const auto send = [&](QEvent::Type type, Qt::Key key, quint64 time) {
+        QKeyEvent event(type, key, Qt::NoModifier);
+        event.setTimestamp(time);
+        QCoreApplication::sendEvent(window, &event);
+    };
+    send(QEvent::KeyPress, Qt::Key_A, 10);
+    send(QEvent::KeyRelease, Qt::Key_A, 700);
+    send(QEvent::KeyPress, Qt::Key_A, 700);
+    send(QEvent::KeyRelease, Qt::Key_A, 740);
+    send(QEvent::KeyPress, Qt::Key_B, 740);
+    send(QEvent::KeyRelease, Qt::Key_B, 800);
+    send(QEvent::KeyPress, Qt::Key_B, 801);
+    EXPECT_EQ(watch.repeats, (std::vector{false, true, false, false}));
+    window->removeEventFilter(&watch);
 }
 
 TEST_F(KorvantiAppTests, aClickOnTheItemOpensThePanelBelowIt) {
